@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+
+class PrefState;
+class PromptState;
+class TicktackState;
+class WorkItem;
+
+// The process-wide switches of the work cycle and the shared objects every part reaches
+// through here. The objects are made on first use and live until the process ends.
+namespace AppState {
+
+inline constexpr int pauseItemTag = 9001;
+
+bool manualPause();
+// Stores the value, then sets working to its opposite.
+void setManualPause(bool manualPause);
+
+bool working();
+// Stores the value, then starts a fresh work period (true) or stops the countdown (false) and
+// retitles the pause entry of the status menu. Runs on every assignment, also of the same value.
+void setWorking(bool working);
+
+// The pending idle timeout. Replacing it does not cancel the previous item.
+std::shared_ptr<WorkItem> mouseMoveEventItem();
+void setMouseMoveEventItem(std::shared_ptr<WorkItem> item);
+
+PromptState& promptState();
+PrefState& prefState();
+TicktackState& workState();
+TicktackState& breakState();
+
+} // namespace AppState

@@ -1,0 +1,49 @@
+#include "WorkItem.h"
+
+#include <QTimer>
+
+WorkItem::WorkItem(std::function<void()> body) : m_body(std::move(body)) {}
+
+WorkItem::~WorkItem()
+{
+    releaseTimer();
+}
+
+std::shared_ptr<WorkItem> WorkItem::schedule(std::chrono::milliseconds delay, std::function<void()> body)
+{
+    std::shared_ptr<WorkItem> item(new WorkItem(std::move(body)));
+    item->m_timer = new QTimer;
+    item->m_timer->setSingleShot(true);
+    item->m_timer->setTimerType(Qt::PreciseTimer);
+    QObject::connect(item->m_timer, &QTimer::timeout, item->m_timer, [raw = item.get()] { raw->perform(); });
+    item->m_selfWhileScheduled = item;
+    item->m_timer->start(delay);
+    return item;
+}
+
+void WorkItem::cancel()
+{
+    m_cancelled = true;
+    releaseTimer();
+    m_selfWhileScheduled.reset(); // may destroy this item: nothing may follow
+}
+
+void WorkItem::perform()
+{
+    auto keepAlive = std::move(m_selfWhileScheduled);
+    releaseTimer();
+    if (m_cancelled)
+        return;
+    m_hasRun = true;
+    if (m_body)
+        m_body();
+}
+
+void WorkItem::releaseTimer()
+{
+    if (!m_timer)
+        return;
+    m_timer->stop();
+    m_timer->deleteLater();
+    m_timer = nullptr;
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+class QTimer;
+
+// A piece of work scheduled to run once on the main thread after a delay, which can be
+// cancelled until it runs. A scheduled item stays alive until it has run or been cancelled,
+// even when nobody holds it any more: dropping the handle does not cancel the work.
+class WorkItem : public std::enable_shared_from_this<WorkItem> {
+public:
+    static std::shared_ptr<WorkItem> schedule(std::chrono::milliseconds delay, std::function<void()> body);
+    ~WorkItem();
+
+    void cancel();
+    bool isCancelled() const { return m_cancelled; }
+    bool hasRun() const { return m_hasRun; }
+
+private:
+    explicit WorkItem(std::function<void()> body);
+    void perform();
+    void releaseTimer();
+
+    std::function<void()> m_body;
+    QTimer* m_timer = nullptr;
+    std::shared_ptr<WorkItem> m_selfWhileScheduled;
+    bool m_cancelled = false;
+    bool m_hasRun = false;
+};

@@ -1,0 +1,30 @@
+#include "PrefStyleState.h"
+
+#include "preferences/NumberParsing.h"
+#include "preferences/SettingsStore.h"
+
+#include <QSettings>
+
+PrefStyleState::PrefStyleState(QObject* parent) : QObject(parent) {}
+
+BreakStyle PrefStyleState::breakStyle() const
+{
+    const QVariant stored = SettingsStore::settings().value(QLatin1String(breakStyleKey));
+    const auto rawValue = NumberParsing::parseInteger(stored.toString());
+    if (!rawValue)
+        return BreakStyle::relaxation;
+    return BreakStyle::fromRawValue(*rawValue).value_or(BreakStyle::relaxation);
+}
+
+void PrefStyleState::setBreakStyle(BreakStyle style)
+{
+    SettingsStore::settings().setValue(QLatin1String(breakStyleKey), style.rawValue());
+    SettingsStore::save();
+    emit breakStyleChanged();
+}
+
+void PrefStyleState::setBreakStyleRawValue(int rawValue)
+{
+    if (const auto style = BreakStyle::fromRawValue(rawValue))
+        setBreakStyle(*style);
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "BreakStyle.h"
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+// The chosen break style, kept under "break_style" as its number. A stored value that names
+// no style reads as relaxation. The setter notifies on every assignment.
+class PrefStyleState : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The style choice belongs to the settings")
+    Q_PROPERTY(int breakStyleRawValue READ breakStyleRawValue WRITE setBreakStyleRawValue NOTIFY breakStyleChanged)
+
+public:
+    static constexpr const char breakStyleKey[] = "break_style";
+
+    explicit PrefStyleState(QObject* parent = nullptr);
+
+    BreakStyle breakStyle() const;
+    void setBreakStyle(BreakStyle style);
+
+    int breakStyleRawValue() const { return breakStyle().rawValue(); }
+    // Values that name no style are ignored.
+    void setBreakStyleRawValue(int rawValue);
+
+signals:
+    void breakStyleChanged();
+};

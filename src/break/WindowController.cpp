@@ -1,0 +1,125 @@
+#include "WindowController.h"
+
+#include "PromptState.h"
+#include "X11WindowHints.h"
+#include "app/AppState.h"
+#include "app/QmlEngine.h"
+#include "timer/TicktackState.h"
+
+#include <QGuiApplication>
+#include <QPropertyAnimation>
+#include <QQmlComponent>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QScreen>
+
+namespace WindowController {
+namespace {
+
+const char breakWindowName[] = "breakWindow";
+const char fadeName[] = "fade";
+
+// Break windows are closed, not destroyed: the window list is their registry, so the next
+// break on the same screen finds and reuses its window by title.
+QQuickWindow* findWindow(const QString& title)
+{
+    for (QWindow* window : QGuiApplication::allWindows()) {
+        auto* quickWindow = qobject_cast<QQuickWindow*>(window);
+        if (quickWindow && window->objectName() == QLatin1String(breakWindowName) && window->title() == title)
+            return quickWindow;
+    }
+    return nullptr;
+}
+
+void fade(QQuickWindow* window, qreal to)
+{
+    // A new fade replaces one still running, so a quick close and reopen do not fight.
+    if (auto* running = window->findChild<QPropertyAnimation*>(QLatin1String(fadeName)))
+        running->stop();
+    auto* animation = new QPropertyAnimation(window, "opacity", window);
+    animation->setObjectName(QLatin1String(fadeName));
+    animation->setDuration(1000);
+    animation->setStartValue(window->opacity());
+    animation->setEndValue(to);
+    animation->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+void present(QQuickWindow* window)
+{
+    X11WindowHints::showOnAllDesktops(window);
+    window->show();
+    window->raise();
+}
+
+QQuickWindow* breakWindow(const QRect& frame, const QString& displayId, QScreen* screen)
+{
+    auto* window = new QQuickWindow;
+    window->setObjectName(QLatin1String(breakWindowName));
+    window->setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    window->setColor(QColor(0xAA, 0xAA, 0xAA)); // light grey, hidden under the view
+    window->setTitle(displayId);
+    window->setScreen(screen);
+    window->setGeometry(frame);
+
+    QQmlComponent component(&QmlEngine::engine(), QmlEngine::viewUrl(QStringLiteral("BreakView")));
+    QObject* view = component.createWithInitialProperties({
+        {QStringLiteral("promptState"), QVariant::fromValue(&AppState::promptState())},
+        {QStringLiteral("breakState"), QVariant::fromValue(&AppState::breakState())},
+    });
+    if (auto* item = qobject_cast<QQuickItem*>(view)) {
+        item->setParent(window);
+        item->setParentItem(window->contentItem());
+    } else {
+        qWarning().noquote() << "break view could not be made:" << component.errorString();
+        delete view;
+    }
+
+    present(window);
+    return window;
+}
+
+QQuickWindow* window(QScreen* screen)
+{
+    const QString displayId = displayIdentifier(screen);
+    if (QQuickWindow* existing = findWindow(displayId))
+        return existing;
+    return breakWindow(screen->geometry(), displayId, screen);
+}
+
+} // namespace
+
+void setup() {}
+
+QString displayIdentifier(const QScreen* screen)
+{
+    const QString name = screen ? screen->name() : QString();
+    return name.isEmpty() ? QStringLiteral("0") : name;
+}
+
+void showBreak()
+{
+    for (QScreen* screen : QGuiApplication::screens()) {
+        QQuickWindow* w = window(screen);
+        w->setOpacity(0.0);
+        present(w);
+        fade(w, 1.0);
+    }
+    // The primary screen's break window takes the keyboard focus.
+    if (QQuickWindow* primary = findWindow(displayIdentifier(QGuiApplication::primaryScreen()))) {
+        primary->raise();
+        primary->requestActivate();
+    }
+}
+
+void closeBreak()
+{
+    for (QScreen* screen : QGuiApplication::screens()) {
+        QQuickWindow* w = window(screen);
+        fade(w, 0.0);
+        // Closed at once rather than when the fade ends: the break is over now. Hiding keeps
+        // the window in the window list for the next break.
+        w->hide();
+    }
+}
+
+} // namespace WindowController

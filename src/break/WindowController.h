@@ -1,0 +1,24 @@
+#pragma once
+
+class QScreen;
+class QQuickWindow;
+class QString;
+
+// Opens and closes the application's own windows: one break window per screen.
+namespace WindowController {
+
+// Start-up hook for the parts that must exist from launch on.
+void setup();
+
+// Shows (creating when needed) a break window on every screen, fades it in over one second
+// and gives the primary screen's one the keyboard focus.
+void showBreak();
+
+// Fades out and closes the break window of every screen (a screen without one gets one,
+// closed at once).
+void closeBreak();
+
+// The screen's identifier, which is also the title of its break window: its name, "0" when empty.
+QString displayIdentifier(const QScreen* screen);
+
+} // namespace WindowController

@@ -1,0 +1,142 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+class PrefStyleState;
+
+// The user's settings. Every property reads and writes one key of the settings file at once,
+// so a change survives a restart. Numbers are kept as the text the user typed and parsed on
+// every read with a fixed fallback. Setters notify on every assignment, also of an unchanged
+// value, and the two with side effects (launch at login, show time) run them every time.
+class PrefState : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The settings belong to the application")
+    Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
+    Q_PROPERTY(bool showTime READ showTime WRITE setShowTime NOTIFY showTimeChanged)
+    Q_PROPERTY(bool autoCheckUpdate READ autoCheckUpdate WRITE setAutoCheckUpdate NOTIFY autoCheckUpdateChanged)
+    Q_PROPERTY(QString workTimeString READ workTimeString WRITE setWorkTimeString NOTIFY workTimeStringChanged)
+    Q_PROPERTY(QString breakTimeString READ breakTimeString WRITE setBreakTimeString NOTIFY breakTimeStringChanged)
+    Q_PROPERTY(bool customBreakPrompt READ customBreakPrompt WRITE setCustomBreakPrompt NOTIFY customBreakPromptChanged)
+    Q_PROPERTY(QString breakPrompt READ breakPrompt WRITE setBreakPrompt NOTIFY breakPromptChanged)
+    Q_PROPERTY(QString shortBreakTimesString READ shortBreakTimesString WRITE setShortBreakTimesString NOTIFY shortBreakTimesStringChanged)
+    Q_PROPERTY(QString longBreakTimeString READ longBreakTimeString WRITE setLongBreakTimeString NOTIFY longBreakTimeStringChanged)
+    Q_PROPERTY(bool customLongBreakPrompt READ customLongBreakPrompt WRITE setCustomLongBreakPrompt NOTIFY customLongBreakPromptChanged)
+    Q_PROPERTY(QString longBreakPrompt READ longBreakPrompt WRITE setLongBreakPrompt NOTIFY longBreakPromptChanged)
+    Q_PROPERTY(bool forceLongBreak READ forceLongBreak WRITE setForceLongBreak NOTIFY forceLongBreakChanged)
+    Q_PROPERTY(bool restartTimerAfterAwake READ restartTimerAfterAwake WRITE setRestartTimerAfterAwake NOTIFY restartTimerAfterAwakeChanged)
+    Q_PROPERTY(bool stopTimerAfterMouseStop READ stopTimerAfterMouseStop WRITE setStopTimerAfterMouseStop NOTIFY stopTimerAfterMouseStopChanged)
+    Q_PROPERTY(bool showNewDayTip READ showNewDayTip WRITE setShowNewDayTip NOTIFY showNewDayTipChanged)
+    Q_PROPERTY(double lastWeakupTimestamp READ lastWeakupTimestamp WRITE setLastWeakupTimestamp NOTIFY lastWeakupTimestampChanged)
+    Q_PROPERTY(PrefStyleState* styleState READ styleState WRITE setStyleState NOTIFY styleStateChanged)
+    Q_PROPERTY(double workTime READ workTime NOTIFY workTimeStringChanged)
+    Q_PROPERTY(double breakTime READ breakTime NOTIFY breakTimeStringChanged)
+    Q_PROPERTY(double longBreakTime READ longBreakTime NOTIFY longBreakTimeStringChanged)
+    Q_PROPERTY(qint64 shortBreakTimes READ shortBreakTimes NOTIFY shortBreakTimesStringChanged)
+
+public:
+    // The settings file's key of each property.
+    static constexpr const char launchAtLoginKey[] = "launch_at_login";
+    static constexpr const char showTimeKey[] = "show_time_in_status_bar";
+    static constexpr const char autoCheckUpdateKey[] = "auto_check_update";
+    static constexpr const char workTimeStringKey[] = "work_time";
+    static constexpr const char breakTimeStringKey[] = "break_time";
+    static constexpr const char customBreakPromptKey[] = "custom_break_prompt";
+    static constexpr const char breakPromptKey[] = "break_prompt_text";
+    static constexpr const char shortBreakTimesStringKey[] = "short_break_times";
+    static constexpr const char longBreakTimeStringKey[] = "long_break_time";
+    static constexpr const char customLongBreakPromptKey[] = "custom_long_break_prompt";
+    static constexpr const char longBreakPromptKey[] = "long_break_prompt_text";
+    static constexpr const char forceLongBreakKey[] = "force_long_break";
+    static constexpr const char restartTimerAfterAwakeKey[] = "restart_timer_after_awake";
+    static constexpr const char stopTimerAfterMouseStopKey[] = "stop_timer_after_mouse_stop";
+    static constexpr const char showNewDayTipKey[] = "show_new_day_tip";
+    static constexpr const char lastWeakupTimestampKey[] = "last_weakup_timestamp";
+
+    // Reads nothing and writes nothing: values are read when they are asked for.
+    explicit PrefState(QObject* parent = nullptr);
+
+    bool launchAtLogin() const;
+    void setLaunchAtLogin(bool value);
+
+    bool showTime() const;
+    void setShowTime(bool value);
+
+    bool autoCheckUpdate() const;
+    void setAutoCheckUpdate(bool value);
+
+    QString workTimeString() const;
+    void setWorkTimeString(const QString& value);
+
+    QString breakTimeString() const;
+    void setBreakTimeString(const QString& value);
+
+    bool customBreakPrompt() const;
+    void setCustomBreakPrompt(bool value);
+
+    QString breakPrompt() const;
+    void setBreakPrompt(const QString& value);
+
+    QString shortBreakTimesString() const;
+    void setShortBreakTimesString(const QString& value);
+
+    QString longBreakTimeString() const;
+    void setLongBreakTimeString(const QString& value);
+
+    bool customLongBreakPrompt() const;
+    void setCustomLongBreakPrompt(bool value);
+
+    QString longBreakPrompt() const;
+    void setLongBreakPrompt(const QString& value);
+
+    bool forceLongBreak() const;
+    void setForceLongBreak(bool value);
+
+    bool restartTimerAfterAwake() const;
+    void setRestartTimerAfterAwake(bool value);
+
+    bool stopTimerAfterMouseStop() const;
+    void setStopTimerAfterMouseStop(bool value);
+
+    bool showNewDayTip() const;
+    void setShowNewDayTip(bool value);
+
+    double lastWeakupTimestamp() const;
+    void setLastWeakupTimestamp(double value);
+
+    PrefStyleState* styleState() const { return m_styleState; }
+    void setStyleState(PrefStyleState* styleState);
+
+    // Work period in seconds: work_time minutes × 60, 25 minutes when the text is not a number.
+    double workTime() const;
+    // Short break in seconds: break_time as typed, 300 when the text is not a number.
+    double breakTime() const;
+    // Long break in seconds: long_break_time minutes × 60, 15 minutes when not a number.
+    double longBreakTime() const;
+    // Every N-th break is long: short_break_times as a whole number, 4 when it is not one.
+    qint64 shortBreakTimes() const;
+
+signals:
+    void launchAtLoginChanged();
+    void showTimeChanged();
+    void autoCheckUpdateChanged();
+    void workTimeStringChanged();
+    void breakTimeStringChanged();
+    void customBreakPromptChanged();
+    void breakPromptChanged();
+    void shortBreakTimesStringChanged();
+    void longBreakTimeStringChanged();
+    void customLongBreakPromptChanged();
+    void longBreakPromptChanged();
+    void forceLongBreakChanged();
+    void restartTimerAfterAwakeChanged();
+    void stopTimerAfterMouseStopChanged();
+    void showNewDayTipChanged();
+    void lastWeakupTimestampChanged();
+    void styleStateChanged();
+
+private:
+    PrefStyleState* m_styleState = nullptr;
+};

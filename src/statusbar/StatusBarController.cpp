@@ -1,0 +1,97 @@
+#include "StatusBarController.h"
+
+#include "AppInfo.h"
+#include "StatusItem.h"
+#include "StatusMenu.h"
+#include "StatusMenuItem.h"
+#include "app/AppState.h"
+#include "break/PromptState.h"
+#include "preferences/PrefState.h"
+#include "timer/TicktackState.h"
+
+#include <QCoreApplication>
+
+namespace StatusBarController {
+namespace {
+
+StatusMenuItem* entry(const QString& title, const QString& image, const QString& key,
+                      std::function<void()> action)
+{
+    auto* item = new StatusMenuItem(title);
+    if (!image.isEmpty())
+        item->setImage(image);
+    item->setKeyEquivalent(key);
+    item->setAction(std::move(action));
+    return item;
+}
+
+StatusMenu* buildMenu()
+{
+    auto* menu = new StatusMenu;
+    menu->addItem(new StatusMenuItem(AppInfo::name() + QStringLiteral(" - v") + AppInfo::version() + u'(' +
+                                     AppInfo::build() + u')'));
+    menu->addItem(StatusMenuItem::separator());
+
+    auto* pause = entry({}, {}, QStringLiteral("p"), [] { AppState::setManualPause(!AppState::manualPause()); });
+    pause->setTag(AppState::pauseItemTag);
+    menu->addItem(pause);
+    menu->addItem(entry(QStringLiteral("Settings..."), QStringLiteral("gearshape.circle"), QStringLiteral(","), {}));
+    menu->addItem(StatusMenuItem::separator());
+    menu->addItem(entry(QStringLiteral("Check for Updates..."), QStringLiteral("arrow.counterclockwise.icloud"), {}, {}));
+    menu->addItem(entry(QStringLiteral("Feedback..."), QStringLiteral("mail.stack"), {}, {}));
+    menu->addItem(entry(QStringLiteral("About..."), QStringLiteral("info.circle"), {}, {}));
+    menu->addItem(entry(QStringLiteral("Quit"), QStringLiteral("escape"), QStringLiteral("q"),
+                        [] { QCoreApplication::quit(); }));
+    return menu;
+}
+
+// Runs for every value either half of the work countdown takes, with the latest of both.
+void countdownChanged(StatusItem& item)
+{
+    TicktackState& work = AppState::workState();
+    QString title = work.timeString();
+    if (work.timesUp()) {
+        title.clear();
+        AppState::promptState().showBreak();
+    }
+    if (!AppState::prefState().showTime())
+        title.clear();
+    item.setTitle(title);
+}
+
+StatusItem* buildItem()
+{
+    auto* item = new StatusItem;
+    item->setMenu(&menu());
+    TicktackState& work = AppState::workState();
+    QObject::connect(&work, &TicktackState::timesUpChanged, item, [item] { countdownChanged(*item); });
+    QObject::connect(&work, &TicktackState::timeStringChanged, item, [item] { countdownChanged(*item); });
+    // The subscription starts with the values the countdown already has.
+    countdownChanged(*item);
+    return item;
+}
+
+} // namespace
+
+StatusMenu& menu()
+{
+    static StatusMenu* statusMenu = buildMenu();
+    return *statusMenu;
+}
+
+StatusItem& item()
+{
+    static StatusItem* statusItem = buildItem();
+    return *statusItem;
+}
+
+void showTime(bool show)
+{
+    QString title;
+    const TicktackState& work = AppState::workState();
+    if (show && !work.timesUp())
+        title = work.timeString();
+    item().setTitle(title);
+}
+
+} // namespace StatusBarController

@@ -1,0 +1,31 @@
+#include "StatusMenu.h"
+
+#include "StatusMenuItem.h"
+
+StatusMenu::StatusMenu(QObject* parent) : QObject(parent) {}
+
+void StatusMenu::addItem(StatusMenuItem* item)
+{
+    item->setParent(this);
+    m_items.append(item);
+    connect(item, &StatusMenuItem::changed, this, [this, item] { emit itemChanged(item); });
+    emit layoutChanged();
+}
+
+void StatusMenu::removeItem(StatusMenuItem* item)
+{
+    if (!m_items.removeOne(item))
+        return;
+    item->disconnect(this);
+    item->deleteLater();
+    emit layoutChanged();
+}
+
+StatusMenuItem* StatusMenu::itemWithTag(int tag) const
+{
+    for (StatusMenuItem* item : m_items) {
+        if (item->tag() == tag)
+            return item;
+    }
+    return nullptr;
+}

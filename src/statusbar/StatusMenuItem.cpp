@@ -1,0 +1,41 @@
+#include "StatusMenuItem.h"
+
+#include "SymbolIcon.h"
+
+StatusMenuItem* StatusMenuItem::separator(QObject* parent)
+{
+    auto* item = new StatusMenuItem({}, parent);
+    item->m_separator = true;
+    return item;
+}
+
+StatusMenuItem::StatusMenuItem(QString title, QObject* parent) : QObject(parent), m_title(std::move(title)) {}
+
+void StatusMenuItem::setTitle(const QString& title)
+{
+    m_title = title;
+    emit changed();
+}
+
+void StatusMenuItem::setImage(const QString& symbolName)
+{
+    m_image = symbolName;
+    emit changed();
+}
+
+QString StatusMenuItem::iconName() const
+{
+    return SymbolIcon::freedesktopName(m_image);
+}
+
+void StatusMenuItem::setAction(std::function<void()> action)
+{
+    m_action = std::move(action);
+    emit changed();
+}
+
+void StatusMenuItem::trigger()
+{
+    if (m_action)
+        m_action();
+}

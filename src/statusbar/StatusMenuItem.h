@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <functional>
+
+// One entry of the status menu, as the panel's menu exporter renders it.
+// `image` is the logical symbol name (e.g. "stop.circle"), which is also the entry's accessible
+// description; `iconName` is the freedesktop icon the panel draws for it.
+class StatusMenuItem : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString title READ title WRITE setTitle NOTIFY changed)
+    Q_PROPERTY(QString image READ image WRITE setImage NOTIFY changed)
+    Q_PROPERTY(bool enabled READ isEnabled NOTIFY changed)
+
+public:
+    static StatusMenuItem* separator(QObject* parent = nullptr);
+    explicit StatusMenuItem(QString title = {}, QObject* parent = nullptr);
+
+    QString title() const { return m_title; }
+    void setTitle(const QString& title);
+
+    QString image() const { return m_image; }
+    void setImage(const QString& symbolName);
+    QString iconName() const;
+    QString accessibleDescription() const { return m_image; }
+
+    // Pressed together with Control, e.g. "p".
+    QString keyEquivalent() const { return m_keyEquivalent; }
+    void setKeyEquivalent(const QString& key) { m_keyEquivalent = key; }
+
+    int tag() const { return m_tag; }
+    void setTag(int tag) { m_tag = tag; }
+
+    bool isSeparator() const { return m_separator; }
+    // An entry without an action is shown disabled, like a header.
+    bool isEnabled() const { return !m_separator && bool(m_action); }
+
+    void setAction(std::function<void()> action);
+    void trigger();
+
+signals:
+    void changed();
+
+private:
+    QString m_title;
+    QString m_image;
+    QString m_keyEquivalent;
+    int m_tag = 0;
+    bool m_separator = false;
+    std::function<void()> m_action;
+};

@@ -1,0 +1,106 @@
+#include "TicktackController.h"
+
+#include "QtTickSource.h"
+#include "TicktackState.h"
+#include "app/AppState.h"
+#include "logging/Logger.h"
+#include "logging/NumberText.h"
+
+#include <cinttypes>
+#include <cmath>
+
+namespace TicktackController {
+namespace {
+
+TickSource& tickSource();
+std::unique_ptr<TickSource>& installedSource()
+{
+    static std::unique_ptr<TickSource> source;
+    return source;
+}
+
+TickSource& tickSource()
+{
+    auto& source = installedSource();
+    if (!source)
+        source = std::make_unique<QtTickSource>();
+    return *source;
+}
+
+bool running = false;
+
+} // namespace
+
+void work(double seconds)
+{
+    stop();
+    ticktack(seconds, AppState::workState());
+}
+
+void break_(double seconds)
+{
+    stop();
+    ticktack(seconds, AppState::breakState());
+}
+
+void stop()
+{
+    if (running)
+        tickSource().stop();
+    running = false;
+    logger().info(QStringLiteral("ticktack timer stoped ") + numberText(tickSource().interval()));
+}
+
+void ticktack(double seconds, TicktackState& state)
+{
+    auto remaining = std::make_shared<double>(seconds);
+    state.setTimesUp(false);
+    state.setTimeString(format(*remaining));
+    logger().info(QStringLiteral("ticktack timer start ") + numberText(seconds));
+
+    TicktackState* target = &state;
+    tickSource().stop();
+    running = true;
+    tickSource().start([remaining, seconds, target] {
+        *remaining -= 1.0;
+        target->setTimeString(format(*remaining));
+        if (target->timesUp() || *remaining > 0)
+            return;
+        logger().info(QStringLiteral("ticktack timer timesup for ") + numberText(seconds));
+        target->setTimesUp(true);
+    });
+}
+
+QString format(double seconds)
+{
+    if (!(seconds > 0))
+        return QStringLiteral("00:00");
+    if (std::isinf(seconds))
+        qFatal("countdown of %f seconds cannot be shown: the length is infinite", seconds);
+    // 2^63 is the first double past the signed 64-bit range.
+    if (seconds >= 9223372036854775808.0)
+        qFatal("countdown of %g seconds cannot be shown: the length is out of range", seconds);
+    const auto t = static_cast<std::int64_t>(seconds);
+    const std::int64_t h = t / 3600;
+    const std::int64_t m = (t % 3600) / 60;
+    const std::int64_t s = t % 60;
+    QString text = QString::asprintf("%02" PRId64 ":%02" PRId64, m, s);
+    if (h > 0)
+        text.prepend(QString::asprintf("%02" PRId64, h));
+    return text;
+}
+
+bool isRunning()
+{
+    return running;
+}
+
+void setTickSource(std::unique_ptr<TickSource> source)
+{
+    if (running)
+        tickSource().stop();
+    running = false;
+    installedSource() = std::move(source);
+}
+
+} // namespace TicktackController

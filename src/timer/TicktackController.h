@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <memory>
+
+class TicktackState;
+class TickSource;
+
+// Counts one period down at a time, once a second. Work periods write AppState::workState(),
+// breaks AppState::breakState(). At zero the countdown raises timesUp once and keeps ticking
+// (showing "00:00") until someone starts the next period or stops it.
+namespace TicktackController {
+
+void work(double seconds);
+void break_(double seconds);
+void stop();
+void ticktack(double seconds, TicktackState& state);
+
+// 1500 → "25:00"; 3600 → "0100:00" (hours run straight into the minutes); ≤ 0 → "00:00".
+QString format(double seconds);
+
+bool isRunning();
+
+// Replaces the one-second timer (tests step time by hand). Stops any running countdown.
+void setTickSource(std::unique_ptr<TickSource> source);
+
+} // namespace TicktackController

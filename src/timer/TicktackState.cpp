@@ -1,0 +1,15 @@
+#include "TicktackState.h"
+
+TicktackState::TicktackState(QObject* parent) : QObject(parent) {}
+
+void TicktackState::setTimeString(const QString& timeString)
+{
+    m_timeString = timeString;
+    emit timeStringChanged(m_timeString);
+}
+
+void TicktackState::setTimesUp(bool timesUp)
+{
+    m_timesUp = timesUp;
+    emit timesUpChanged(m_timesUp);
+}

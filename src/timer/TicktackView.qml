@@ -1,0 +1,16 @@
+import QtQuick
+
+// The large countdown of the break screen.
+Text {
+    required property TicktackState ticktack
+
+    text: ticktack ? ticktack.timeString : ""
+    color: palette.windowText
+    font.pixelSize: 100
+    font.bold: true
+    padding: 16
+
+    SystemPalette {
+        id: palette
+    }
+}
