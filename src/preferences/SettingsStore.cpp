@@ -7,7 +7,9 @@ namespace SettingsStore {
 
 QSettings& settings()
 {
-    static QSettings* store = new QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("lulltide"),
+    // The native format is an INI file on Linux ($XDG_CONFIG_HOME/lulltide/lulltide.conf) and the
+    // user defaults domain on macOS.
+    static QSettings* store = new QSettings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("lulltide"),
                                             QStringLiteral("lulltide"));
     return *store;
 }

@@ -28,8 +28,7 @@ StatusMenuItem* entry(const QString& title, const QString& image, const QString&
 StatusMenu* buildMenu()
 {
     auto* menu = new StatusMenu;
-    menu->addItem(new StatusMenuItem(AppInfo::name() + QStringLiteral(" - v") + AppInfo::version() + u'(' +
-                                     AppInfo::build() + u')'));
+    menu->addItem(new StatusMenuItem(headerTitle(AppInfo::infos())));
     menu->addItem(StatusMenuItem::separator());
 
     auto* pause = entry({}, {}, QStringLiteral("p"), [] { AppState::setManualPause(!AppState::manualPause()); });
@@ -72,6 +71,11 @@ StatusItem* buildItem()
 }
 
 } // namespace
+
+QString headerTitle(const QVariantMap& infos)
+{
+    return AppInfo::name(infos) + QStringLiteral(" - v") + AppInfo::version(infos) + u'(' + AppInfo::build(infos) + u')';
+}
 
 StatusMenu& menu()
 {

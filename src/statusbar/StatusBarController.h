@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QString>
+#include <QVariantMap>
+
 class StatusItem;
 class StatusMenu;
 
@@ -12,6 +15,9 @@ StatusItem& item();
 
 // The menu, built on first use; the pause entry (tag 9001) gets its title from AppState.
 StatusMenu& menu();
+
+// The menu's header: "<name> - v<version>(<build>)".
+QString headerTitle(const QVariantMap& infos);
 
 // Shows or hides the countdown beside the icon.
 void showTime(bool show);

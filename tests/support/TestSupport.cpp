@@ -1,0 +1,69 @@
+#include "TestSupport.h"
+
+#include "logging/Logger.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace TestSupport {
+
+QString isolateUserDirs()
+{
+    static QTemporaryDir* root = new QTemporaryDir(QDir::tempPath() + QStringLiteral("/lulltide-test-XXXXXX"));
+    const QString home = root->path();
+    qputenv("HOME", home.toUtf8());
+    qputenv("XDG_CONFIG_HOME", (home + QStringLiteral("/.config")).toUtf8());
+    qputenv("XDG_CACHE_HOME", (home + QStringLiteral("/.cache")).toUtf8());
+    qputenv("XDG_DATA_HOME", (home + QStringLiteral("/.local/share")).toUtf8());
+    return home;
+}
+
+QString logText()
+{
+    const auto path = Logger::logfilePath();
+    if (!path)
+        return {};
+    QFile file(*path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.readAll());
+}
+
+QStringList logLines()
+{
+    return logText().split(u'\n', Qt::SkipEmptyParts);
+}
+
+QProcessEnvironment environmentWithHome(const QString& root)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), root);
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), root + QStringLiteral("/.config"));
+    environment.insert(QStringLiteral("XDG_CACHE_HOME"), root + QStringLiteral("/.cache"));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), root + QStringLiteral("/.local/share"));
+    return environment;
+}
+
+ChildResult runChild(const QByteArray& mode, const QProcessEnvironment& environment, int timeoutMs)
+{
+    QProcessEnvironment childEnvironment = environment;
+    childEnvironment.insert(QStringLiteral("LULLTIDE_TEST_CHILD"), QString::fromUtf8(mode));
+    QProcess child;
+    child.setProcessEnvironment(childEnvironment);
+    child.start(QCoreApplication::applicationFilePath(), {});
+    ChildResult result;
+    if (!child.waitForFinished(timeoutMs)) {
+        child.kill();
+        child.waitForFinished();
+    }
+    result.crashed = child.exitStatus() == QProcess::CrashExit;
+    result.exitCode = child.exitCode();
+    result.standardOutput = QString::fromUtf8(child.readAllStandardOutput());
+    result.standardError = QString::fromUtf8(child.readAllStandardError());
+    return result;
+}
+
+} // namespace TestSupport

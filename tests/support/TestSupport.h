@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcessEnvironment>
+#include <QString>
+#include <QStringList>
+
+// Helpers shared by the test programs. Every program runs in a world of its own: HOME and the
+// XDG folders point into a fresh temporary directory before the application object exists.
+namespace TestSupport {
+
+// Points HOME, XDG_CONFIG_HOME, XDG_CACHE_HOME and XDG_DATA_HOME at a new temporary folder.
+QString isolateUserDirs();
+
+// The day's log file as text (empty when there is none yet).
+QString logText();
+QStringList logLines();
+
+// Runs this test program again as a child in `mode` (see LULLTIDE_TEST_MAIN_WITH_CHILD),
+// with the given environment, and returns its exit code, standard output and error.
+struct ChildResult {
+    int exitCode = -1;
+    bool crashed = false;
+    QString standardOutput;
+    QString standardError;
+};
+ChildResult runChild(const QByteArray& mode, const QProcessEnvironment& environment, int timeoutMs = 20000);
+
+// An environment whose HOME and XDG folders point into `root`.
+QProcessEnvironment environmentWithHome(const QString& root);
+
+} // namespace TestSupport

@@ -1,0 +1,134 @@
+#include "support/ManualTickSource.h"
+#include "support/TestMain.h"
+
+#include "app/AppDelegate.h"
+#include "app/AppState.h"
+#include "statusbar/StatusBarController.h"
+#include "statusbar/StatusItem.h"
+#include "statusbar/StatusMenu.h"
+#include "statusbar/StatusMenuItem.h"
+#include "timer/TicktackController.h"
+#include "timer/TicktackState.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+class AppTest : public QObject {
+    Q_OBJECT
+
+    ManualTickSource* ticks = nullptr;
+
+    static QString settingsPath(const QString& home) { return home + "/.config/lulltide/lulltide.conf"; }
+
+    static QString logOf(const QString& home)
+    {
+        QDir logs(home + "/.cache/Logs");
+        QString text;
+        for (const QString& name : logs.entryList({"*.log"}, QDir::Files)) {
+            QFile file(logs.filePath(name));
+            if (file.open(QIODevice::ReadOnly))
+                text += QString::fromUtf8(file.readAll());
+        }
+        return text;
+    }
+
+    // Starts the real program in `home`, lets it run a moment, checks it is still running and
+    // ends it the way a session logout does.
+    static void launchAndTerminate(const QString& home)
+    {
+        QProcess app;
+        app.setProcessEnvironment(TestSupport::environmentWithHome(home));
+        app.start(LULLTIDE_BINARY, {});
+        QVERIFY(app.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(logOf(home).contains("sandbox home path: "), 10000);
+        QVERIFY(!app.waitForFinished(1500)); // still running
+        app.terminate();
+        QVERIFY(app.waitForFinished(5000));
+    }
+
+private slots:
+    void initTestCase()
+    {
+        ticks = new ManualTickSource;
+        TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
+        AppDelegate delegate;
+        delegate.applicationDidFinishLaunching();
+    }
+
+    void firstLaunchStartsAFullWorkPeriodAndTheItemShows2500()
+    {
+        QCOMPARE(AppState::working(), true);
+        QVERIFY(ticks->running());
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+        QCOMPARE(StatusBarController::item().title(), "25:00");
+        ticks->tick();
+        QCOMPARE(StatusBarController::item().title(), "24:59");
+    }
+
+    void pauseItemReadsStopWithTheStopImageRightAfterLaunch()
+    {
+        StatusMenuItem* pause = StatusBarController::menu().itemWithTag(AppState::pauseItemTag);
+        QVERIFY(pause);
+        QCOMPARE(pause->title(), "- Stop -");
+        QCOMPARE(pause->image(), "stop.circle");
+    }
+
+    void launchingWritesNoSettingsFile()
+    {
+        QVERIFY(!QFile::exists(settingsPath(QDir::homePath())));
+    }
+
+    void launchLogsTheHomeDirectory()
+    {
+        const QStringList lines = TestSupport::logLines();
+        QVERIFY(lines.last().endsWith(" info org.lulltide.Lulltide : sandbox home path: " + QDir::homePath()));
+    }
+
+    void menuHoldsTheEntriesInOrder()
+    {
+        QStringList titles;
+        for (StatusMenuItem* item : StatusBarController::menu().items())
+            titles << (item->isSeparator() ? "---" : item->title());
+        QCOMPARE(titles, QStringList({"Lulltide - v1.0.0(1)", "---", "- Stop -", "Settings...", "---",
+                                      "Check for Updates...", "Feedback...", "About...", "Quit"}));
+    }
+
+    void programRunsUntilTerminatedAndWritesNoSettings()
+    {
+        QTemporaryDir home;
+        launchAndTerminate(home.path());
+        const QString log = logOf(home.path());
+        QVERIFY2(log.contains("hello Lulltide"), qPrintable(log));
+        QVERIFY(log.contains(" : ticktack timer start 1500.0\n"));
+        QVERIFY(log.contains(" : sandbox home path: " + home.path() + "\n"));
+        QVERIFY(!QFile::exists(settingsPath(home.path())));
+    }
+
+    void relaunchStartsAFreshWorkPeriodOfFullLength()
+    {
+        QTemporaryDir home;
+        launchAndTerminate(home.path());
+        launchAndTerminate(home.path());
+        const QString log = logOf(home.path());
+        QCOMPARE(log.count(" : ticktack timer start 1500.0\n"), 2);
+        QCOMPARE(log.count("hello Lulltide"), 2);
+    }
+
+    void programUsesTheStoredWorkLength()
+    {
+        QTemporaryDir home;
+        QDir().mkpath(home.path() + "/.config/lulltide");
+        QFile conf(settingsPath(home.path()));
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nwork_time=0.5\n");
+        conf.close();
+        launchAndTerminate(home.path());
+        QVERIFY(logOf(home.path()).contains(" : ticktack timer start 30.0\n"));
+    }
+};
+
+LULLTIDE_TEST_MAIN(AppTest)
+#include "tst_app.moc"

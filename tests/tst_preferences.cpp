@@ -1,0 +1,299 @@
+#include "support/ManualTickSource.h"
+#include "support/TestMain.h"
+
+#include "app/AppState.h"
+#include "preferences/LoginItem.h"
+#include "break/PrefStyleState.h"
+#include "preferences/PrefState.h"
+#include "preferences/SettingsStore.h"
+#include "statusbar/StatusBarController.h"
+#include "statusbar/StatusItem.h"
+#include "timer/TicktackController.h"
+#include "timer/TicktackState.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QStandardPaths>
+
+class PreferencesTest : public QObject {
+    Q_OBJECT
+
+    QString settingsPath() const
+    {
+        return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+               QStringLiteral("/lulltide/lulltide.conf");
+    }
+    QString settingsFileText() const
+    {
+        QFile file(settingsPath());
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
+    void clearSettings()
+    {
+        SettingsStore::settings().clear();
+        SettingsStore::save();
+    }
+
+private slots:
+    void initTestCase()
+    {
+        TicktackController::setTickSource(std::make_unique<ManualTickSource>());
+    }
+
+    // Runs first, while nothing has been written.
+    void creatingTheStoreWritesNothing()
+    {
+        PrefState prefs;
+        // Reading every value, derived ones included, writes nothing either.
+        prefs.launchAtLogin();
+        prefs.workTime();
+        prefs.shortBreakTimes();
+        prefs.styleState()->breakStyle();
+        QVERIFY(!QFile::exists(settingsPath()));
+        QVERIFY(!QFile::exists(LoginItem::entryPath()));
+    }
+
+    void settingsLiveInTheXdgConfigFolder()
+    {
+        QCOMPARE(SettingsStore::settings().fileName(), settingsPath());
+        QVERIFY(settingsPath().startsWith(QDir::homePath() + QStringLiteral("/.config/")));
+    }
+
+    void freshSettingsGiveTheDefaultLengths()
+    {
+        clearSettings();
+        PrefState prefs;
+        QCOMPARE(prefs.workTime(), 1500.0);
+        QCOMPARE(prefs.breakTime(), 300.0);
+        QCOMPARE(prefs.shortBreakTimes(), 4);
+        QCOMPARE(prefs.longBreakTime(), 900.0);
+    }
+
+    void freshSettingsHaveEveryDefault()
+    {
+        clearSettings();
+        PrefState prefs;
+        QCOMPARE(prefs.launchAtLogin(), false);
+        QCOMPARE(prefs.showTime(), true);
+        QCOMPARE(prefs.autoCheckUpdate(), true);
+        QCOMPARE(prefs.workTimeString(), "25");
+        QCOMPARE(prefs.breakTimeString(), "300");
+        QCOMPARE(prefs.customBreakPrompt(), false);
+        QCOMPARE(prefs.breakPrompt(), "堂堂七尺少年郎, 躺上一躺又何妨");
+        QCOMPARE(prefs.shortBreakTimesString(), "4");
+        QCOMPARE(prefs.longBreakTimeString(), "15");
+        QCOMPARE(prefs.customLongBreakPrompt(), false);
+        QCOMPARE(prefs.longBreakPrompt(), "地球不会因你停下来而停止转动\\n老板不会因你摸鱼而不挣钱\\n所以\\n不要犹豫");
+        QCOMPARE(prefs.forceLongBreak(), false);
+        QCOMPARE(prefs.restartTimerAfterAwake(), true);
+        QCOMPARE(prefs.stopTimerAfterMouseStop(), true);
+        QCOMPARE(prefs.showNewDayTip(), false);
+        QCOMPARE(prefs.lastWeakupTimestamp(), 0.0);
+    }
+
+    void defaultLongBreakPromptHoldsBackslashNPairsAndNoLineFeeds()
+    {
+        clearSettings();
+        const QString prompt = PrefState().longBreakPrompt();
+        QCOMPARE(prompt.count(QStringLiteral("\\n")), 3);
+        QVERIFY(!prompt.contains(u'\n'));
+        QCOMPARE(prompt.toUtf8().size(), 102);
+    }
+
+    void everyPropertyIsStoredAtOnceUnderItsKey()
+    {
+        clearSettings();
+        PrefState prefs;
+        prefs.setShowTime(false);
+        prefs.setAutoCheckUpdate(false);
+        prefs.setWorkTimeString(QStringLiteral("30"));
+        prefs.setBreakTimeString(QStringLiteral("120"));
+        prefs.setCustomBreakPrompt(true);
+        prefs.setBreakPrompt(QStringLiteral("站起来, 走一走"));
+        prefs.setShortBreakTimesString(QStringLiteral("3"));
+        prefs.setLongBreakTimeString(QStringLiteral("20"));
+        prefs.setCustomLongBreakPrompt(true);
+        prefs.setLongBreakPrompt(QStringLiteral("a\\nb"));
+        prefs.setForceLongBreak(true);
+        prefs.setRestartTimerAfterAwake(false);
+        prefs.setStopTimerAfterMouseStop(false);
+        prefs.setShowNewDayTip(true);
+        prefs.setLastWeakupTimestamp(1732251234.5);
+
+        // Another reader of the file sees every value under its exact key.
+        QSettings file(settingsPath(), QSettings::IniFormat);
+        QCOMPARE(file.value("show_time_in_status_bar").toString(), "false");
+        QCOMPARE(file.value("auto_check_update").toString(), "false");
+        QCOMPARE(file.value("work_time").toString(), "30");
+        QCOMPARE(file.value("break_time").toString(), "120");
+        QCOMPARE(file.value("custom_break_prompt").toString(), "true");
+        QCOMPARE(file.value("break_prompt_text").toString(), "站起来, 走一走");
+        QCOMPARE(file.value("short_break_times").toString(), "3");
+        QCOMPARE(file.value("long_break_time").toString(), "20");
+        QCOMPARE(file.value("custom_long_break_prompt").toString(), "true");
+        QCOMPARE(file.value("long_break_prompt_text").toString(), "a\\nb");
+        QCOMPARE(file.value("force_long_break").toString(), "true");
+        QCOMPARE(file.value("restart_timer_after_awake").toString(), "false");
+        QCOMPARE(file.value("stop_timer_after_mouse_stop").toString(), "false");
+        QCOMPARE(file.value("show_new_day_tip").toString(), "true");
+        QCOMPARE(file.value("last_weakup_timestamp").toDouble(), 1732251234.5);
+
+        // Text is kept as typed, in UTF-8, at the top level of the file.
+        const QString text = settingsFileText();
+        QVERIFY2(text.startsWith(QLatin1String("[General]")), qPrintable(text));
+        QVERIFY2(text.contains(QStringLiteral("站起来")), qPrintable(text));
+
+        // And a new store reads them back.
+        PrefState again;
+        QCOMPARE(again.workTime(), 1800.0);
+        QCOMPARE(again.breakPrompt(), "站起来, 走一走");
+        QCOMPARE(again.lastWeakupTimestamp(), 1732251234.5);
+    }
+
+    void workTimeParsesMinutesWithAFallbackOf25_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<double>("seconds");
+        QTest::newRow("half a minute") << "0.5" << 30.0;
+        QTest::newRow("letters") << "abc" << 1500.0;
+        QTest::newRow("empty") << "" << 1500.0;
+        QTest::newRow("number then letters") << "25min" << 1500.0;
+        QTest::newRow("leading plus") << "+2" << 120.0;
+        QTest::newRow("exponent") << "1e1" << 600.0;
+        QTest::newRow("negative is not rejected") << "-1" << -60.0;
+        QTest::newRow("infinity is not a length") << "inf" << 1500.0;
+        QTest::newRow("blank around") << " 5" << 1500.0;
+    }
+    void workTimeParsesMinutesWithAFallbackOf25()
+    {
+        QFETCH(QString, text);
+        QFETCH(double, seconds);
+        PrefState prefs;
+        prefs.setWorkTimeString(text);
+        QCOMPARE(prefs.workTime(), seconds);
+        // Nothing is corrected in storage.
+        QCOMPARE(prefs.workTimeString(), text);
+    }
+
+    void breakTimesParseWithTheirFallbacks()
+    {
+        PrefState prefs;
+        prefs.setBreakTimeString(QStringLiteral("45.5"));
+        QCOMPARE(prefs.breakTime(), 45.5);
+        prefs.setBreakTimeString(QStringLiteral("five"));
+        QCOMPARE(prefs.breakTime(), 300.0);
+        prefs.setLongBreakTimeString(QStringLiteral("2"));
+        QCOMPARE(prefs.longBreakTime(), 120.0);
+        prefs.setLongBreakTimeString(QString());
+        QCOMPARE(prefs.longBreakTime(), 900.0);
+    }
+
+    void shortBreakTimesTakesOnlyWholeNumbers_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<qint64>("count");
+        QTest::newRow("2.5 is not whole") << "2.5" << qint64(4);
+        QTest::newRow("+3") << "+3" << qint64(3);
+        QTest::newRow("3") << "3" << qint64(3);
+        QTest::newRow("-2") << "-2" << qint64(-2);
+        QTest::newRow("empty") << "" << qint64(4);
+        QTest::newRow("letters") << "x" << qint64(4);
+        QTest::newRow("blank before") << " 3" << qint64(4);
+        QTest::newRow("two signs") << "+-3" << qint64(4);
+        QTest::newRow("beyond 64 bits") << "99999999999999999999" << qint64(4);
+        QTest::newRow("zero") << "0" << qint64(0);
+    }
+    void shortBreakTimesTakesOnlyWholeNumbers()
+    {
+        QFETCH(QString, text);
+        QFETCH(qint64, count);
+        PrefState prefs;
+        prefs.setShortBreakTimesString(text);
+        QCOMPARE(prefs.shortBreakTimes(), count);
+    }
+
+    void observersRunOnEveryAssignmentAlsoOfTheSameValue()
+    {
+        PrefState prefs;
+        QSignalSpy changed(&prefs, &PrefState::workTimeStringChanged);
+        prefs.setWorkTimeString(QStringLiteral("25"));
+        prefs.setWorkTimeString(QStringLiteral("25"));
+        QCOMPARE(changed.count(), 2);
+    }
+
+    void settingLaunchAtLoginToItsCurrentValueRegistersAgain()
+    {
+        PrefState prefs;
+        const QString entry = LoginItem::entryPath();
+        QVERIFY(entry.endsWith(QLatin1String("/autostart/org.lulltide.Lulltide.desktop")));
+
+        prefs.setLaunchAtLogin(true);
+        QVERIFY(QFile::exists(entry));
+        QFile file(entry);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(file.readAll());
+        QVERIFY(text.startsWith(QLatin1String("[Desktop Entry]\n")));
+        QVERIFY(text.contains(QLatin1String("\nExec=")));
+        file.close();
+
+        // Gone behind our back, then set to the same value: written again.
+        QVERIFY(QFile::remove(entry));
+        prefs.setLaunchAtLogin(true);
+        QVERIFY(QFile::exists(entry));
+
+        prefs.setLaunchAtLogin(false);
+        QVERIFY(!QFile::exists(entry));
+        // Put back behind our back, then set to false again: removed again.
+        QVERIFY(QFile::copy(QStringLiteral(TESTS_SOURCE_DIR "/tst_preferences.cpp"), entry));
+        prefs.setLaunchAtLogin(false);
+        QVERIFY(!QFile::exists(entry));
+        QCOMPARE(prefs.launchAtLogin(), false);
+    }
+
+    void launchAtLoginFailureLogsTheServiceErrorAndKeepsTheValue()
+    {
+        PrefState prefs;
+        const QString autostart = QFileInfo(LoginItem::entryPath()).absolutePath();
+        QDir(autostart).removeRecursively();
+        {
+            // A file where the folder should be: the entry cannot be written.
+            QFile blocker(autostart);
+            QVERIFY(blocker.open(QIODevice::WriteOnly));
+        }
+        QTest::ignoreMessage(QtWarningMsg, "SMAppService error: ");
+        prefs.setLaunchAtLogin(true);
+        QCOMPARE(prefs.launchAtLogin(), true);
+        QVERIFY(QFile::remove(autostart));
+        prefs.setLaunchAtLogin(false);
+    }
+
+    void writingShowTimeShowsOrHidesTheCountdownInTheStatusItem()
+    {
+        PrefState& prefs = AppState::prefState();
+        TicktackController::work(1500);
+        StatusItem& item = StatusBarController::item();
+        prefs.setShowTime(false);
+        QCOMPARE(item.title(), QString());
+        prefs.setShowTime(true);
+        QCOMPARE(item.title(), "25:00");
+        TicktackController::stop();
+    }
+
+    void aHandEditedPromptWithABareCommaReadsBackAsText()
+    {
+        clearSettings();
+        {
+            QFile file(settingsPath());
+            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            file.write("[General]\nbreak_prompt_text=stand up, walk\n");
+        }
+        QSettings& store = SettingsStore::settings();
+        store.sync();
+        QCOMPARE(PrefState().breakPrompt(), "stand up, walk");
+    }
+};
+
+LULLTIDE_TEST_MAIN(PreferencesTest)
+#include "tst_preferences.moc"
