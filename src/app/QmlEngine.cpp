@@ -1,6 +1,8 @@
 #include "QmlEngine.h"
 
+#include <QQmlComponent>
 #include <QQmlEngine>
+#include <QtDebug>
 
 namespace QmlEngine {
 
@@ -17,6 +19,19 @@ QQmlEngine& engine()
 QUrl viewUrl(const QString& viewName)
 {
     return QUrl(QStringLiteral("qrc:/Lulltide/%1.qml").arg(viewName));
+}
+
+QObject* create(const QString& viewName, const QVariantMap& properties)
+{
+    QQmlComponent component(&engine(), viewUrl(viewName));
+    if (!component.isReady()) {
+        qWarning().noquote() << "cannot make the view" << viewName << ":" << component.errorString();
+        return nullptr;
+    }
+    QObject* view = component.createWithInitialProperties(properties);
+    if (!view)
+        qWarning().noquote() << "cannot make the view" << viewName << ":" << component.errorString();
+    return view;
 }
 
 } // namespace QmlEngine

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QUrl>
+#include <QVariantMap>
 
 class QQmlEngine;
 
@@ -12,5 +13,9 @@ QQmlEngine& engine();
 
 // The address of one of the application's QML views, e.g. "BreakView".
 QUrl viewUrl(const QString& viewName);
+
+// Makes one of the views with its required properties. A view that cannot be made is a broken
+// build: the QML errors go to stderr and the result is null.
+QObject* create(const QString& viewName, const QVariantMap& properties);
 
 } // namespace QmlEngine

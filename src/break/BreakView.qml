@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Lulltide
 
 // The break screen: the prompt, the break countdown and, unless the break is forced, Skip.
 Rectangle {

@@ -8,7 +8,6 @@
 
 #include <QGuiApplication>
 #include <QPropertyAnimation>
-#include <QQmlComponent>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QScreen>
@@ -34,8 +33,10 @@ QQuickWindow* findWindow(const QString& title)
 void fade(QQuickWindow* window, qreal to)
 {
     // A new fade replaces one still running, so a quick close and reopen do not fight.
-    if (auto* running = window->findChild<QPropertyAnimation*>(QLatin1String(fadeName)))
+    if (auto* running = window->findChild<QPropertyAnimation*>(QLatin1String(fadeName))) {
+        running->setObjectName(QString()); // it lingers until deleted later
         running->stop();
+    }
     auto* animation = new QPropertyAnimation(window, "opacity", window);
     animation->setObjectName(QLatin1String(fadeName));
     animation->setDuration(1000);
@@ -61,16 +62,15 @@ QQuickWindow* breakWindow(const QRect& frame, const QString& displayId, QScreen*
     window->setScreen(screen);
     window->setGeometry(frame);
 
-    QQmlComponent component(&QmlEngine::engine(), QmlEngine::viewUrl(QStringLiteral("BreakView")));
-    QObject* view = component.createWithInitialProperties({
-        {QStringLiteral("promptState"), QVariant::fromValue(&AppState::promptState())},
-        {QStringLiteral("breakState"), QVariant::fromValue(&AppState::breakState())},
-    });
+    QObject* view = QmlEngine::create(QStringLiteral("BreakView"),
+                                      {
+                                          {QStringLiteral("promptState"), QVariant::fromValue(&AppState::promptState())},
+                                          {QStringLiteral("breakState"), QVariant::fromValue(&AppState::breakState())},
+                                      });
     if (auto* item = qobject_cast<QQuickItem*>(view)) {
         item->setParent(window);
         item->setParentItem(window->contentItem());
     } else {
-        qWarning().noquote() << "break view could not be made:" << component.errorString();
         delete view;
     }
 

@@ -1,4 +1,5 @@
 import QtQuick
+import Lulltide
 
 // The large countdown of the break screen.
 Text {

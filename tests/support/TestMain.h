@@ -5,34 +5,42 @@
 #include <QApplication>
 #include <QtTest>
 
-// Like QTEST_MAIN, but the program first moves HOME and the XDG folders into a temporary
-// directory, so no test ever touches the real user's settings or logs.
+namespace TestSupport {
+
+using ChildMain = int (*)(const QByteArray& mode);
+using BeforeApplication = void (*)();
+
+// Runs the test object's slots in a world of its own: HOME and the XDG folders point into a
+// temporary directory before the application object exists. When started by runChild() the
+// program runs childMain(mode) instead, keeping the environment its parent gave it: for what
+// needs a fresh process (once-per-process set-up, fatal errors).
+template <typename TestClass>
+int runTests(int argc, char* argv[], ChildMain childMain = nullptr, BeforeApplication beforeApplication = nullptr)
+{
+    if (beforeApplication)
+        beforeApplication();
+    const QByteArray mode = qgetenv("LULLTIDE_TEST_CHILD");
+    if (childMain && !mode.isEmpty()) {
+        QApplication app(argc, argv);
+        return childMain(mode);
+    }
+    isolateUserDirs();
+    QApplication app(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    TestClass test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+} // namespace TestSupport
+
 #define LULLTIDE_TEST_MAIN(TestClass)                                                                         \
     int main(int argc, char* argv[])                                                                          \
     {                                                                                                         \
-        TestSupport::isolateUserDirs();                                                                       \
-        QApplication app(argc, argv);                                                                         \
-        QApplication::setQuitOnLastWindowClosed(false);                                                       \
-        TestClass test;                                                                                       \
-        QTEST_SET_MAIN_SOURCE_PATH                                                                            \
-        return QTest::qExec(&test, argc, argv);                                                               \
+        return TestSupport::runTests<TestClass>(argc, argv);                                                  \
     }
 
-// The same, and when started by TestSupport::runChild the program runs childMain(mode)
-// instead of the tests: for behaviour that needs a fresh process (once-per-process set-up,
-// fatal errors). The child keeps the environment its parent gave it.
 #define LULLTIDE_TEST_MAIN_WITH_CHILD(TestClass, childMain)                                                   \
     int main(int argc, char* argv[])                                                                          \
     {                                                                                                         \
-        const QByteArray mode = qgetenv("LULLTIDE_TEST_CHILD");                                               \
-        if (!mode.isEmpty()) {                                                                                \
-            QApplication app(argc, argv);                                                                     \
-            return childMain(mode);                                                                           \
-        }                                                                                                     \
-        TestSupport::isolateUserDirs();                                                                       \
-        QApplication app(argc, argv);                                                                         \
-        QApplication::setQuitOnLastWindowClosed(false);                                                       \
-        TestClass test;                                                                                       \
-        QTEST_SET_MAIN_SOURCE_PATH                                                                            \
-        return QTest::qExec(&test, argc, argv);                                                               \
+        return TestSupport::runTests<TestClass>(argc, argv, childMain);                                       \
     }

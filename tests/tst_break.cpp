@@ -1,0 +1,506 @@
+#include "support/ManualTickSource.h"
+#include "support/TestMain.h"
+
+#include "app/AppState.h"
+#include "app/WorkItem.h"
+#include "break/BreakStyle.h"
+#include "break/PrefStyleState.h"
+#include "break/PromptState.h"
+#include "break/WindowController.h"
+#include "preferences/PrefState.h"
+#include "preferences/SettingsStore.h"
+#include "statusbar/StatusBarController.h"
+#include "statusbar/StatusItem.h"
+#include "timer/TicktackController.h"
+#include "timer/TicktackState.h"
+
+#include <QPropertyAnimation>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QScreen>
+#include <QSettings>
+
+using namespace std::chrono_literals;
+
+// Runs on Qt's offscreen platform with two screens side by side (support/screens.json):
+// DP-1 1280×800 at (0, 0), the primary, and HDMI-1 1024×768 at (1280, 0).
+class BreakTest : public QObject {
+    Q_OBJECT
+
+    ManualTickSource* ticks = nullptr;
+
+    static PrefState& prefs() { return AppState::prefState(); }
+    static PromptState& prompt() { return AppState::promptState(); }
+
+    static QList<QQuickWindow*> breakWindows()
+    {
+        QList<QQuickWindow*> windows;
+        for (QWindow* window : QGuiApplication::allWindows()) {
+            if (auto* quick = qobject_cast<QQuickWindow*>(window); quick && window->objectName() == "breakWindow")
+                windows << quick;
+        }
+        return windows;
+    }
+    static QQuickWindow* breakWindow(const QString& title)
+    {
+        for (QQuickWindow* window : breakWindows()) {
+            if (window->title() == title)
+                return window;
+        }
+        return nullptr;
+    }
+    static QQuickItem* child(QQuickWindow* window, const char* name)
+    {
+        return window->findChild<QQuickItem*>(name);
+    }
+    static int visibleBreakWindows()
+    {
+        int count = 0;
+        for (QQuickWindow* window : breakWindows())
+            count += window->isVisible();
+        return count;
+    }
+    static int logCount(const QString& message)
+    {
+        int count = 0;
+        for (const QString& line : TestSupport::logLines())
+            count += line.endsWith(" : " + message);
+        return count;
+    }
+
+    // Ends the running work period, which opens a break through the status item.
+    void finishWork()
+    {
+        QVERIFY(ticks->running());
+        while (!AppState::workState().timesUp())
+            ticks->tick();
+    }
+    void finishBreak()
+    {
+        while (!AppState::breakState().timesUp())
+            ticks->tick();
+    }
+    bool isLongBreak() const { return AppState::breakState().timeString() == "15:00"; }
+
+private slots:
+    void initTestCase()
+    {
+        ticks = new ManualTickSource;
+        TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
+        StatusBarController::item(); // the subscription that opens breaks
+        QCOMPARE(QGuiApplication::screens().size(), 2);
+    }
+
+    void init()
+    {
+        SettingsStore::settings().clear();
+        prompt().resetShortBreakTimes();
+        TicktackController::work(prefs().workTime());
+    }
+
+    void cleanup()
+    {
+        WindowController::closeBreak();
+    }
+
+    // Styles and their sentences.
+
+    void breakStyleFromRawValueTwoOrMinusOneIsNone()
+    {
+        QVERIFY(!BreakStyle::fromRawValue(2));
+        QVERIFY(!BreakStyle::fromRawValue(-1));
+        QCOMPARE(BreakStyle::fromRawValue(0)->value(), BreakStyle::relaxation);
+        QCOMPARE(BreakStyle::fromRawValue(1)->value(), BreakStyle::struggle);
+    }
+
+    void eachStyleHasItsNameAndTenSentencesInOrder()
+    {
+        const BreakStyle relaxation(BreakStyle::relaxation);
+        const BreakStyle struggle(BreakStyle::struggle);
+        QCOMPARE(relaxation.desc(), "Relaxation");
+        QCOMPARE(struggle.desc(), "Struggle");
+        QCOMPARE(relaxation.prompts().size(), 10);
+        QCOMPARE(struggle.prompts().size(), 10);
+        QCOMPARE(relaxation.prompts().first(), "今天心情放假，工作也跟着轻松一下。");
+        QCOMPARE(relaxation.prompts().last(), "谁说工作要认真，今天我要放松一下。");
+        QCOMPARE(struggle.prompts().first(), "精益求精，全力以赴，无愧于自己的努力。");
+        QCOMPARE(struggle.prompts().last(), "严谨治事，用心经营，工作中的每一份认真都是成功的基石。");
+        QVERIFY(relaxation == BreakStyle(BreakStyle::relaxation));
+        QVERIFY(!(relaxation == struggle));
+    }
+
+    void freshInstallationUsesTheRelaxationList()
+    {
+        QCOMPARE(prefs().styleState()->breakStyle().value(), BreakStyle::relaxation);
+        const QStringList relaxation = BreakStyle(BreakStyle::relaxation).prompts();
+        for (int i = 0; i < 3; ++i) {
+            finishWork();
+            QVERIFY2(relaxation.contains(prompt().prompt()), qPrintable(prompt().prompt()));
+            finishBreak();
+        }
+    }
+
+    void storingOneUnderBreakStyleSwitchesToTheStruggleListAtTheNextBreak()
+    {
+        // Written behind the store's back, as another writer of the settings would.
+        SettingsStore::settings().setValue("break_style", 1);
+        QCOMPARE(prefs().styleState()->breakStyle().value(), BreakStyle::struggle);
+        finishWork();
+        QVERIFY2(BreakStyle(BreakStyle::struggle).prompts().contains(prompt().prompt()), qPrintable(prompt().prompt()));
+    }
+
+    void storedStyleThatNamesNoStyleReadsAsRelaxation()
+    {
+        SettingsStore::settings().setValue("break_style", 7);
+        QCOMPARE(prefs().styleState()->breakStyle().value(), BreakStyle::relaxation);
+        SettingsStore::settings().setValue("break_style", "struggle");
+        QCOMPARE(prefs().styleState()->breakStyle().value(), BreakStyle::relaxation);
+        prefs().styleState()->setBreakStyle(BreakStyle::struggle);
+        QCOMPARE(SettingsStore::settings().value("break_style").toInt(), 1);
+    }
+
+    // The rotation of short and long breaks.
+
+    void rotationOfThreeGoesShortShortLongShortShortLong()
+    {
+        prefs().setShortBreakTimesString("3");
+        QList<bool> longBreaks;
+        for (int i = 0; i < 6; ++i) {
+            finishWork();
+            longBreaks << isLongBreak();
+            QCOMPARE(prompt().prompt() == prefs().longBreakPrompt(), isLongBreak());
+            finishBreak();
+        }
+        QCOMPARE(longBreaks, QList<bool>({false, false, true, false, false, true}));
+    }
+
+    void rotationOfOneMakesEveryBreakLong()
+    {
+        prefs().setShortBreakTimesString("1");
+        for (int i = 0; i < 3; ++i) {
+            finishWork();
+            QVERIFY(isLongBreak());
+            QCOMPARE(prompt().prompt(), prefs().longBreakPrompt());
+            finishBreak();
+        }
+    }
+
+    void afterResetTheNextBreakIsTheFirstOfARotation()
+    {
+        prefs().setShortBreakTimesString("2");
+        finishWork(); // first: short
+        QVERIFY(!isLongBreak());
+        QCOMPARE(prompt().shortBreakTimes(), 1);
+        finishBreak();
+        prompt().resetShortBreakTimes();
+        QCOMPARE(prompt().shortBreakTimes(), 0);
+        finishWork(); // first of a new rotation again: short
+        QVERIFY(!isLongBreak());
+        finishBreak();
+        finishWork();
+        QVERIFY(isLongBreak());
+    }
+
+    void longBreakIgnoresTheCustomLongPromptSwitch()
+    {
+        prefs().setShortBreakTimesString("1");
+        prefs().setCustomLongBreakPrompt(false);
+        prefs().setLongBreakPrompt("mine\\nto keep");
+        finishWork();
+        QCOMPARE(prompt().prompt(), "mine\\nto keep");
+    }
+
+    void forcedLongBreakHasNoSkipButtonUnforcedHasOneShortAlwaysHas()
+    {
+        prefs().setShortBreakTimesString("2");
+        prefs().setForceLongBreak(true);
+        finishWork(); // short
+        QVERIFY(prompt().showSkipButton());
+        finishBreak();
+        finishWork(); // long, forced
+        QVERIFY(isLongBreak());
+        QVERIFY(!prompt().showSkipButton());
+        for (QQuickWindow* window : breakWindows())
+            QVERIFY(!child(window, "skipButton")->isVisible());
+        finishBreak();
+        prefs().setForceLongBreak(false);
+        finishWork(); // short
+        QVERIFY(prompt().showSkipButton());
+        finishBreak();
+        finishWork(); // long, not forced
+        QVERIFY(isLongBreak());
+        QVERIFY(prompt().showSkipButton());
+        for (QQuickWindow* window : breakWindows())
+            QVERIFY(child(window, "skipButton")->isVisible());
+    }
+
+    void shortBreakPromptComesFromTheStyleUnlessTheCustomPromptIsOn()
+    {
+        prefs().setBreakPrompt("my own");
+        prefs().setCustomBreakPrompt(false);
+        finishWork();
+        QVERIFY(BreakStyle().prompts().contains(prompt().prompt()));
+        finishBreak();
+        prefs().setCustomBreakPrompt(true);
+        for (int i = 0; i < 2; ++i) {
+            finishWork();
+            QCOMPARE(prompt().prompt(), "my own");
+            finishBreak();
+        }
+    }
+
+    void shortBreakLastsTheBreakTimeAndLongTheLongBreakTime()
+    {
+        prefs().setShortBreakTimesString("2");
+        prefs().setBreakTimeString("45");
+        prefs().setLongBreakTimeString("2");
+        finishWork();
+        QCOMPARE(AppState::breakState().timeString(), "00:45");
+        finishBreak();
+        finishWork();
+        QCOMPARE(AppState::breakState().timeString(), "02:00");
+    }
+
+    void breakCancelsThePendingIdleItem()
+    {
+        auto idle = WorkItem::schedule(300s, [] {});
+        AppState::setMouseMoveEventItem(idle);
+        finishWork();
+        QVERIFY(idle->isCancelled());
+        QCOMPARE(AppState::mouseMoveEventItem(), idle); // cancelled, left in place
+        AppState::setMouseMoveEventItem(nullptr);
+    }
+
+    void shortBreakTimesOfZeroEndsTheProcessAtTheFirstBreak()
+    {
+        QTemporaryDir home;
+        const auto child = TestSupport::runChild("zero-rotation", TestSupport::environmentWithHome(home.path()));
+        QVERIFY(child.crashed);
+        QVERIFY2(child.standardError.contains("short_break_times is 0"), qPrintable(child.standardError));
+        QVERIFY(!child.standardOutput.contains("survived"));
+    }
+
+    void newDayBreakLastsTenSecondsAndKeepsTheSkipButtonState()
+    {
+        prefs().setShortBreakTimesString("1");
+        prefs().setForceLongBreak(true);
+        finishWork(); // a forced long break: no Skip
+        finishBreak();
+        const qint64 rotation = prompt().shortBreakTimes();
+
+        prompt().showNewDay();
+        QCOMPARE(prompt().prompt(), "今天, 我又来上班了 \n 这一次 \n属于我的鱼都要摸回来");
+        QCOMPARE(prompt().prompt().toUtf8().size(), 70);
+        QCOMPARE(AppState::breakState().timeString(), "00:10");
+        QCOMPARE(prompt().showSkipButton(), false);
+        QCOMPARE(prompt().shortBreakTimes(), rotation);
+        QCOMPARE(visibleBreakWindows(), 2);
+
+        ticks->tick(10);
+        QCOMPARE(visibleBreakWindows(), 0);
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+    }
+
+    // The break view.
+
+    void endOfTheBreakCountdownClosesTheWindowsAndStartsWorkAsSkipDoes()
+    {
+        finishWork();
+        QCOMPARE(visibleBreakWindows(), 2);
+        const int skips = logCount("skip break view");
+        const int workStarts = logCount("ticktack timer start 1500.0");
+        finishBreak();
+        QCOMPARE(visibleBreakWindows(), 0);
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+        QVERIFY(!AppState::workState().timesUp());
+        QVERIFY(ticks->running());
+        // Each screen's view runs its skip action once; the last work period started wins.
+        QCOMPARE(logCount("skip break view"), skips + 2);
+        QCOMPARE(logCount("ticktack timer start 1500.0"), workStarts + 2);
+        ticks->tick();
+        QCOMPARE(AppState::workState().timeString(), "24:59");
+    }
+
+    void skipButtonClosesTheWindowsAndStartsAWorkPeriod()
+    {
+        prefs().setWorkTimeString("10");
+        TicktackController::work(prefs().workTime());
+        finishWork();
+        QQuickWindow* primary = breakWindow("DP-1");
+        QVERIFY(QTest::qWaitForWindowExposed(primary));
+        QQuickItem* skip = child(primary, "skipButton");
+        QVERIFY(skip->isVisible());
+        QCOMPARE(skip->property("text").toString(), "Skip");
+        const int skips = logCount("skip break view");
+
+        const QPoint centre = skip->mapToScene(QPointF(skip->width() / 2, skip->height() / 2)).toPoint();
+        QTest::mouseClick(primary, Qt::LeftButton, {}, centre);
+        QCOMPARE(visibleBreakWindows(), 0);
+        QCOMPARE(logCount("skip break view"), skips + 1);
+        QCOMPARE(AppState::workState().timeString(), "10:00");
+        QVERIFY(ticks->running());
+    }
+
+    void promptWithBackslashNIsShownOnTwoLines()
+    {
+        prefs().setCustomBreakPrompt(true);
+        prefs().setBreakPrompt("first line\\nsecond line");
+        finishWork();
+        QQuickWindow* primary = breakWindow("DP-1");
+        QQuickItem* text = child(primary, "promptText");
+        QCOMPARE(text->property("text").toString(), "first line\nsecond line");
+        QVERIFY(QTest::qWaitForWindowExposed(primary));
+        QTRY_COMPARE(text->property("lineCount").toInt(), 2);
+        QCOMPARE(prompt().prompt(), "first line\\nsecond line"); // the state keeps the stored form
+    }
+
+    void breakViewShowsTheBreakCountdown()
+    {
+        finishWork();
+        QQuickItem* countdown = child(breakWindow("HDMI-1"), "breakCountdown");
+        QCOMPARE(countdown->property("text").toString(), "05:00");
+        ticks->tick();
+        QCOMPARE(countdown->property("text").toString(), "04:59");
+    }
+
+    // The windows.
+
+    void twoScreensGetTwoWindowsTitledByDisplayCoveringEachScreen()
+    {
+        finishWork();
+        QCOMPARE(visibleBreakWindows(), 2);
+        QQuickWindow* left = breakWindow("DP-1");
+        QQuickWindow* right = breakWindow("HDMI-1");
+        QVERIFY(left && right);
+        QCOMPARE(left->geometry(), QRect(0, 0, 1280, 800));
+        QCOMPARE(right->geometry(), QRect(1280, 0, 1024, 768));
+        QCOMPARE(left->screen()->name(), "DP-1");
+        QCOMPARE(right->screen()->name(), "HDMI-1");
+        for (QQuickWindow* window : {left, right}) {
+            QVERIFY(window->flags() & Qt::FramelessWindowHint);
+            QVERIFY(window->flags() & Qt::WindowStaysOnTopHint);
+            QCOMPARE(window->color(), QColor(0xAA, 0xAA, 0xAA));
+            QQuickItem* view = child(window, "breakView");
+            QVERIFY(view);
+            QCOMPARE(view->size(), QSizeF(window->size()));
+        }
+    }
+
+    void breakWindowsFadeInOverOneSecond()
+    {
+        finishWork();
+        for (QQuickWindow* window : breakWindows()) {
+            auto* fade = window->findChild<QPropertyAnimation*>("fade");
+            QVERIFY(fade);
+            QCOMPARE(fade->duration(), 1000);
+            QCOMPARE(fade->startValue().toDouble(), 0.0);
+            QCOMPARE(fade->endValue().toDouble(), 1.0);
+            QVERIFY(window->opacity() < 0.5);
+        }
+        QTest::qWait(400);
+        QQuickWindow* primary = breakWindow("DP-1");
+        QVERIFY(primary->opacity() > 0.1 && primary->opacity() < 0.9);
+        QTRY_COMPARE_WITH_TIMEOUT(primary->opacity(), 1.0, 2000);
+    }
+
+    void primaryScreensBreakWindowTakesTheFocus()
+    {
+        finishWork();
+        QTRY_COMPARE(QGuiApplication::focusWindow(), breakWindow("DP-1"));
+    }
+
+    void secondBreakReusesTheSameWindows()
+    {
+        finishWork();
+        const QList<QQuickWindow*> first = breakWindows();
+        const int windows = QGuiApplication::allWindows().size();
+        finishBreak();
+        finishWork();
+        QCOMPARE(breakWindows(), first);
+        QCOMPARE(QGuiApplication::allWindows().size(), windows);
+        QCOMPARE(visibleBreakWindows(), 2);
+    }
+
+    void closedBreakWindowStaysInTheWindowList()
+    {
+        finishWork();
+        QQuickWindow* window = breakWindow("HDMI-1");
+        finishBreak();
+        QVERIFY(!window->isVisible());
+        QVERIFY(QGuiApplication::allWindows().contains(window));
+        QCOMPARE(breakWindow("HDMI-1"), window);
+    }
+
+    void screenWithoutANameIsDisplayZero()
+    {
+        QCOMPARE(WindowController::displayIdentifier(nullptr), "0");
+        QCOMPARE(WindowController::displayIdentifier(QGuiApplication::screens().at(1)), "HDMI-1");
+    }
+
+    // Last: it leaves a stray window behind.
+    void closingWithAScreenThatNeverShowedABreakCreatesItsWindowAndClosesIt()
+    {
+        finishWork();
+        // The window of HDMI-1 now stands for a screen that has gone away; HDMI-1 is "new".
+        QQuickWindow* detached = breakWindow("HDMI-1");
+        detached->setTitle("gone");
+        const int windows = breakWindows().size();
+        finishBreak();
+        QCOMPARE(breakWindows().size(), windows + 1);
+        QQuickWindow* fresh = breakWindow("HDMI-1");
+        QVERIFY(fresh && fresh != detached);
+        QVERIFY(!fresh->isVisible());
+        QCOMPARE(fresh->geometry(), QRect(1280, 0, 1024, 768));
+        // Nothing closes the window of a screen that went away; the test puts it aside itself.
+        QVERIFY(detached->isVisible());
+        detached->hide();
+    }
+
+    // The status item's part in the cycle.
+
+    void whenWorkIsUpTheTitleEmptiesAndTheBreakScreenOpens()
+    {
+        StatusItem& item = StatusBarController::item();
+        QCOMPARE(item.title(), "25:00");
+        finishWork();
+        QCOMPARE(item.title(), QString());
+        QCOMPARE(visibleBreakWindows(), 2);
+        QCOMPARE(AppState::breakState().timeString(), "05:00");
+        finishBreak();
+        QCOMPARE(item.title(), "25:00");
+    }
+
+    void withShowTimeOffTheTitleStaysEmpty()
+    {
+        prefs().setShowTime(false);
+        StatusItem& item = StatusBarController::item();
+        QCOMPARE(item.title(), QString());
+        ticks->tick(3);
+        QCOMPARE(item.title(), QString());
+        prefs().setShowTime(true);
+        QCOMPARE(item.title(), "24:57");
+    }
+};
+
+static void useTwoOffscreenScreens()
+{
+    if (qEnvironmentVariableIsEmpty("LULLTIDE_TEST_KEEP_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" TESTS_SOURCE_DIR "/support/screens.json");
+    qputenv("QT_QUICK_BACKEND", "software");
+}
+
+static int childMain(const QByteArray& mode)
+{
+    if (mode == "zero-rotation") {
+        AppState::prefState().setShortBreakTimesString("0");
+        AppState::promptState().showBreak();
+    }
+    std::puts("survived");
+    return 0;
+}
+
+int main(int argc, char* argv[])
+{
+    return TestSupport::runTests<BreakTest>(argc, argv, childMain, useTwoOffscreenScreens);
+}
+#include "tst_break.moc"
