@@ -1,0 +1,219 @@
+#include "support/TestMain.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <unistd.h>
+
+// The real program on a real X server with two monitors: Xorg's dummy driver with a virtual
+// screen of 2304×800, monitor DUMMY0 (1280×800 at 0,0) and monitor EXTRA1 (1024×768 at 1280,0).
+// Windows are checked through the X server with xdotool and xprop, as a window manager sees them.
+class BreakScreenTest : public QObject {
+    Q_OBJECT
+
+    QProcess xserver;
+    QString display;
+    QTemporaryDir scratch;
+
+    QString run(const QString& program, const QStringList& arguments, int* exitCode = nullptr)
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("DISPLAY", display);
+        process.setProcessEnvironment(environment);
+        process.start(program, arguments);
+        process.waitForFinished(10000);
+        if (exitCode)
+            *exitCode = process.exitCode();
+        return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    }
+
+    QStringList windowsNamed(const QString& name, bool onlyVisible)
+    {
+        QStringList arguments{"search"};
+        if (onlyVisible)
+            arguments << "--onlyvisible";
+        arguments << "--name" << "^" + name + "$";
+        return run("xdotool", arguments).split('\n', Qt::SkipEmptyParts);
+    }
+
+    QRect geometryOf(const QString& windowId)
+    {
+        const QString text = run("xdotool", {"getwindowgeometry", "--shell", windowId});
+        QMap<QString, int> values;
+        for (const QString& line : text.split('\n'))
+            values.insert(line.section('=', 0, 0), line.section('=', 1).toInt());
+        return QRect(values["X"], values["Y"], values["WIDTH"], values["HEIGHT"]);
+    }
+
+    struct Program {
+        QTemporaryDir home;
+        QProcess process;
+        QString logText() const
+        {
+            QDir logs(home.path() + "/.cache/Logs");
+            QString text;
+            for (const QString& name : logs.entryList({"*.log"}, QDir::Files)) {
+                QFile file(logs.filePath(name));
+                if (file.open(QIODevice::ReadOnly))
+                    text += QString::fromUtf8(file.readAll());
+            }
+            return text;
+        }
+        QStringList messages() const
+        {
+            QStringList result;
+            for (const QString& line : logText().split('\n', Qt::SkipEmptyParts))
+                result << line.section(" : ", 1);
+            return result;
+        }
+        ~Program()
+        {
+            process.terminate();
+            process.waitForFinished(5000);
+        }
+    };
+
+    void start(Program& program, const QByteArray& settings)
+    {
+        QDir().mkpath(program.home.path() + "/.config/lulltide");
+        QFile conf(program.home.path() + "/.config/lulltide/lulltide.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\n" + settings);
+        conf.close();
+        QProcessEnvironment environment = TestSupport::environmentWithHome(program.home.path());
+        environment.insert("DISPLAY", display);
+        environment.remove("QT_QPA_PLATFORM");
+        program.process.setProcessEnvironment(environment);
+        program.process.start(LULLTIDE_BINARY, {});
+        QVERIFY(program.process.waitForStarted());
+    }
+
+private slots:
+    void initTestCase()
+    {
+        if (geteuid() != 0)
+            QSKIP("Xorg with the dummy driver needs root");
+        if (!QFile::exists("/usr/lib/xorg/Xorg"))
+            QSKIP("Xorg is not installed (xserver-xorg-core, xserver-xorg-video-dummy)");
+
+        int number = 90;
+        while (QFile::exists(QString("/tmp/.X11-unix/X%1").arg(number)) ||
+               QFile::exists(QString("/tmp/.X%1-lock").arg(number)))
+            ++number;
+        display = QString(":%1").arg(number);
+        xserver.start("/usr/lib/xorg/Xorg",
+                      {display, "-config", QStringLiteral(TESTS_SOURCE_DIR "/support/xorg-dummy.conf"), "-noreset",
+                       "-nolisten", "tcp", "-novtswitch", "-sharevts", "-logfile", scratch.filePath("xorg.log")});
+        QVERIFY(xserver.waitForStarted());
+        int exitCode = 1;
+        for (int i = 0; i < 100 && exitCode != 0; ++i) {
+            QTest::qWait(100);
+            run("xrandr", {"--current"}, &exitCode);
+        }
+        QCOMPARE(exitCode, 0);
+        run("xrandr", {"--output", "DUMMY0", "--mode", "1280x800"});
+        run("xrandr", {"--fb", "2304x800"});
+        run("xrandr", {"--setmonitor", "EXTRA1", "1024/271x768/203+1280+0", "none"});
+        QVERIFY(run("xrandr", {"--listmonitors"}).contains("EXTRA1"));
+    }
+
+    void cleanupTestCase()
+    {
+        xserver.terminate();
+        xserver.waitForFinished(5000);
+    }
+
+    void twoMonitorsGetOneBreakWindowEachCoveringTheWholeMonitor()
+    {
+        Program program;
+        start(program, "work_time=0.05\nbreak_time=6\n");
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 2000);
+        const QString left = windowsNamed("DUMMY0", true).first();
+        const QString right = windowsNamed("EXTRA1", true).first();
+        QCOMPARE(geometryOf(left), QRect(0, 0, 1280, 800));
+        QCOMPARE(geometryOf(right), QRect(1280, 0, 1024, 768));
+
+        // On every virtual desktop, above other windows, out of the taskbar.
+        const QString desktop = run("xprop", {"-id", left, "_NET_WM_DESKTOP"});
+        QVERIFY2(desktop.endsWith("= 4294967295"), qPrintable(desktop));
+        const QString state = run("xprop", {"-id", left, "_NET_WM_STATE"});
+        QVERIFY2(state.contains("_NET_WM_STATE_ABOVE") && state.contains("_NET_WM_STATE_STICKY") &&
+                     state.contains("_NET_WM_STATE_SKIP_TASKBAR"),
+                 qPrintable(state));
+
+        // The primary monitor's break window has the keyboard focus.
+        QTRY_COMPARE_WITH_TIMEOUT(run("xdotool", {"getwindowfocus"}), left, 3000);
+
+        // The break ends by itself: both windows close, one work period follows.
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 10000);
+        QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
+        QCOMPARE(windowsNamed("DUMMY0", false).size(), 1); // closed, kept for the next break
+        QTRY_VERIFY(program.messages().count("ticktack timer start 3.0") >= 2);
+    }
+
+    void cycleLogsWorkBreakAndWorkInOrder()
+    {
+        Program program;
+        start(program, "work_time=0.05\nbreak_time=2\n");
+        QTRY_VERIFY_WITH_TIMEOUT(program.messages().count("ticktack timer start 3.0") >= 2, 15000);
+        QStringList messages;
+        for (const QString& message : program.messages()) {
+            if (message.startsWith("ticktack") || message.startsWith("skip"))
+                messages << message;
+        }
+        const QStringList expected{"ticktack timer start 3.0",   "ticktack timer timesup for 3.0",
+                                   "ticktack timer stoped 1.0",  "ticktack timer start 2.0",
+                                   "ticktack timer timesup for 2.0", "skip break view",
+                                   "ticktack timer stoped 1.0",  "ticktack timer start 3.0"};
+        const int first = messages.indexOf("ticktack timer start 3.0");
+        QVERIFY(first >= 0);
+        QCOMPARE(messages.mid(first, expected.size()), expected);
+        // The second monitor's view ends the break too; the last restart wins.
+        QCOMPARE(messages.count("skip break view"), 2);
+    }
+
+    void skipButtonClickEndsTheBreakOnBothMonitors()
+    {
+        Program program;
+        start(program, "work_time=0.05\nbreak_time=300\n");
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 10000);
+        QTest::qWait(1500); // let the fade finish
+        // Skip sits under the countdown, centred on the primary monitor.
+        const QString left = windowsNamed("DUMMY0", true).first();
+        // Kept in the build folder for a person to look at.
+        const QString shot = QDir::current().filePath("breakscreen-two-monitors.png");
+        run("import", {"-window", "root", shot});
+        QVERIFY(QFile::exists(shot));
+        int exitCode = 1;
+        const QPoint skip = QPoint(640, 400 + 168);
+        run("xdotool", {"mousemove", QString::number(skip.x()), QString::number(skip.y()), "click", "1"}, &exitCode);
+        QCOMPARE(exitCode, 0);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 3000);
+        QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
+        QCOMPARE(program.messages().count("skip break view"), 1);
+        QCOMPARE(program.messages().last(), "ticktack timer start 3.0");
+    }
+
+    void monitorAttachedDuringABreakGetsAWindowMadeAndClosedAtTheEnd()
+    {
+        run("xrandr", {"--delmonitor", "EXTRA1"});
+        Program program;
+        start(program, "work_time=0.05\nbreak_time=3\n");
+        QTRY_VERIFY_WITH_TIMEOUT(!windowsNamed("DUMMY0", true).isEmpty(), 10000);
+        QVERIFY2(windowsNamed("DUMMY0", true).size() == 1,
+                 qPrintable(run("xdotool", {"search", "--onlyvisible", "--name", ".", "getwindowname", "%@"}) + "\n" +
+                            program.logText()));
+        QCOMPARE(windowsNamed("EXTRA1", false).size(), 0);
+        run("xrandr", {"--setmonitor", "EXTRA1", "1024/271x768/203+1280+0", "none"});
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", false).size(), 1, 2000);
+        QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
+    }
+};
+
+LULLTIDE_TEST_MAIN(BreakScreenTest)
+#include "tst_breakscreen.moc"
