@@ -341,6 +341,20 @@ private slots:
         QVERIFY(ticks->running());
     }
 
+    void keyPressedAsTheBreakAppearsDoesNotSkipButTabThenEnterDoes()
+    {
+        finishWork();
+        QQuickWindow* primary = breakWindow("DP-1");
+        QVERIFY(QTest::qWaitForWindowExposed(primary));
+        QTest::keyClick(primary, Qt::Key_Space);
+        QTest::keyClick(primary, Qt::Key_Return);
+        QCOMPARE(visibleBreakWindows(), 2);
+        QTest::keyClick(primary, Qt::Key_Tab);
+        QVERIFY(child(primary, "skipButton")->hasActiveFocus());
+        QTest::keyClick(primary, Qt::Key_Return);
+        QCOMPARE(visibleBreakWindows(), 0);
+    }
+
     void promptWithBackslashNIsShownOnTwoLines()
     {
         prefs().setCustomBreakPrompt(true);

@@ -2,6 +2,7 @@
 
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <QQuickWindow>
 #include <QtDebug>
 
 namespace QmlEngine {
@@ -9,6 +10,11 @@ namespace QmlEngine {
 QQmlEngine& engine()
 {
     static QQmlEngine* qmlEngine = [] {
+        // Our views are text and flat shapes: Qt Quick's software renderer draws them without
+        // an OpenGL context per monitor, and puts the first break screen up several times
+        // sooner (see bench/break-latency). QT_QUICK_BACKEND still chooses another.
+        if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
+            QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
         auto* created = new QQmlEngine;
         created->addImportPath(QStringLiteral("qrc:/"));
         return created;

@@ -9,6 +9,7 @@ class QQmlEngine;
 // window), not at start, so a Lulltide that only counts down stays light.
 namespace QmlEngine {
 
+// Made before the first Qt Quick window, whose renderer it chooses.
 QQmlEngine& engine();
 
 // The address of one of the application's QML views, e.g. "BreakView".

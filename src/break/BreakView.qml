@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls
 import QtQuick.Layouts
 import Lulltide
 
@@ -62,29 +61,45 @@ Rectangle {
             ticktack: root.breakState
         }
 
-        Button {
+        // A capsule button drawn here rather than taken from Qt Quick Controls: loading the
+        // controls' style would delay the first break screen by a tenth of a second.
+        Rectangle {
             id: skipButton
             objectName: "skipButton"
             Layout.alignment: Qt.AlignHCenter
             visible: root.promptState.showSkipButton
-            topPadding: 8
-            bottomPadding: 8
-            leftPadding: 16
-            rightPadding: 16
-            text: qsTr("Skip")
-            onClicked: root.skipAction()
+            implicitWidth: skipLabel.implicitWidth + 32
+            implicitHeight: skipLabel.implicitHeight + 16
+            radius: height / 2
+            color: skipArea.pressed ? "#0062CC" : "#007AFF"
+            border.width: activeFocus ? 2 : 0
+            border.color: Qt.lighter(color, 1.6)
+            // Reached with Tab only: a key pressed as the break appears must not skip it.
+            activeFocusOnTab: true
 
-            contentItem: Text {
-                text: skipButton.text
+            readonly property alias text: skipLabel.text
+
+            Accessible.role: Accessible.Button
+            Accessible.name: skipLabel.text
+            Accessible.onPressAction: root.skipAction()
+            Keys.onReturnPressed: root.skipAction()
+            Keys.onEnterPressed: root.skipAction()
+            Keys.onSpacePressed: root.skipAction()
+
+            Text {
+                id: skipLabel
+                anchors.centerIn: parent
+                text: qsTr("Skip")
                 color: "white"
                 font.pixelSize: 13
                 font.bold: true
-                horizontalAlignment: Text.AlignHCenter
-                verticalAlignment: Text.AlignVCenter
             }
-            background: Rectangle {
-                radius: height / 2
-                color: skipButton.down ? "#0062CC" : "#007AFF"
+
+            MouseArea {
+                id: skipArea
+                anchors.fill: parent
+                cursorShape: Qt.PointingHandCursor
+                onClicked: root.skipAction()
             }
         }
     }

@@ -48,12 +48,24 @@ void fade(QQuickWindow* window, qreal to)
 void present(QQuickWindow* window)
 {
     X11WindowHints::showOnAllDesktops(window);
-    window->show();
+    // Wayland lets no client place its windows: a full-screen window on the chosen output is
+    // the only way to cover it.
+    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        window->showFullScreen();
+    else
+        window->show();
     window->raise();
 }
 
 QQuickWindow* breakWindow(const QRect& frame, const QString& displayId, QScreen* screen)
 {
+    // The view first: making the engine chooses the renderer the window will use.
+    QObject* view = QmlEngine::create(QStringLiteral("BreakView"),
+                                      {
+                                          {QStringLiteral("promptState"), QVariant::fromValue(&AppState::promptState())},
+                                          {QStringLiteral("breakState"), QVariant::fromValue(&AppState::breakState())},
+                                      });
+
     auto* window = new QQuickWindow;
     window->setObjectName(QLatin1String(breakWindowName));
     window->setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
@@ -62,11 +74,6 @@ QQuickWindow* breakWindow(const QRect& frame, const QString& displayId, QScreen*
     window->setScreen(screen);
     window->setGeometry(frame);
 
-    QObject* view = QmlEngine::create(QStringLiteral("BreakView"),
-                                      {
-                                          {QStringLiteral("promptState"), QVariant::fromValue(&AppState::promptState())},
-                                          {QStringLiteral("breakState"), QVariant::fromValue(&AppState::breakState())},
-                                      });
     if (auto* item = qobject_cast<QQuickItem*>(view)) {
         item->setParent(window);
         item->setParentItem(window->contentItem());
