@@ -48,10 +48,13 @@ int main(int argc, char* argv[])
         if (!up)
             return;
         QQuickWindow* window = primaryBreakWindow();
-        QObject::connect(window, &QQuickWindow::frameSwapped, &frameShown, [&] {
-            latencies << clock.nsecsElapsed() / 1e6;
-            frameShown.quit();
-        }, Qt::SingleShotConnection);
+        QObject::connect(
+            window, &QQuickWindow::frameSwapped, &frameShown,
+            [&] {
+                latencies << clock.nsecsElapsed() / 1e6;
+                frameShown.quit();
+            },
+            Qt::SingleShotConnection);
     });
 
     for (int round = 0; round <= rounds; ++round) {
@@ -66,7 +69,8 @@ int main(int argc, char* argv[])
     std::sort(latencies.begin(), latencies.end());
     std::printf("screens: %lld\n", static_cast<long long>(QGuiApplication::screens().size()));
     std::printf("first break (QML engine made): %.1f ms\n", first);
-    std::printf("later breaks (%lld): median %.1f ms, max %.1f ms\n", static_cast<long long>(latencies.size()),
-                latencies.at(latencies.size() / 2), latencies.last());
+    std::printf("later breaks (%lld): median %.1f ms, max %.1f ms\n",
+                static_cast<long long>(latencies.size()), latencies.at(latencies.size() / 2),
+                latencies.last());
     return 0;
 }

@@ -76,15 +76,13 @@ private slots:
         QCOMPARE(pause->image(), "stop.circle");
     }
 
-    void launchingWritesNoSettingsFile()
-    {
-        QVERIFY(!QFile::exists(settingsPath(QDir::homePath())));
-    }
+    void launchingWritesNoSettingsFile() { QVERIFY(!QFile::exists(settingsPath(QDir::homePath()))); }
 
     void launchLogsTheHomeDirectory()
     {
         const QStringList lines = TestSupport::logLines();
-        QVERIFY(lines.last().endsWith(" info org.lulltide.Lulltide : sandbox home path: " + QDir::homePath()));
+        QVERIFY(
+            lines.last().endsWith(" info org.lulltide.Lulltide : sandbox home path: " + QDir::homePath()));
     }
 
     void menuHoldsTheEntriesInOrder()

@@ -71,10 +71,7 @@ private slots:
         QCOMPARE(AppInfo::modelFromMachineField(empty, sizeof empty), QString());
     }
 
-    void modelIsTheKernelsMachineName()
-    {
-        QCOMPARE(AppInfo::model(), commandOutput("uname", {"-m"}));
-    }
+    void modelIsTheKernelsMachineName() { QCOMPARE(AppInfo::model(), commandOutput("uname", {"-m"})); }
 
     void modelWithAByteAbove127EndsTheProcess()
     {
@@ -87,11 +84,16 @@ private slots:
     {
         QTest::addColumn<QString>("release");
         QTest::addColumn<QString>("version");
-        QTest::newRow("debian") << "6.1.0-18-amd64" << "6.1.0";
-        QTest::newRow("two parts") << "5.10" << "5.10.0";
-        QTest::newRow("plain") << "4.19.12" << "4.19.12";
-        QTest::newRow("suffix on patch") << "6.8.9-arch1-1" << "6.8.9";
-        QTest::newRow("nonsense") << "abc" << "0.0.0";
+        QTest::newRow("debian") << "6.1.0-18-amd64"
+                                << "6.1.0";
+        QTest::newRow("two parts") << "5.10"
+                                   << "5.10.0";
+        QTest::newRow("plain") << "4.19.12"
+                               << "4.19.12";
+        QTest::newRow("suffix on patch") << "6.8.9-arch1-1"
+                                         << "6.8.9";
+        QTest::newRow("nonsense") << "abc"
+                                  << "0.0.0";
     }
     void osVersionIsTheKernelReleaseAsMajorMinorPatch()
     {

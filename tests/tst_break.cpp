@@ -36,7 +36,8 @@ class BreakTest : public QObject {
     {
         QList<QQuickWindow*> windows;
         for (QWindow* window : QGuiApplication::allWindows()) {
-            if (auto* quick = qobject_cast<QQuickWindow*>(window); quick && window->objectName() == "breakWindow")
+            if (auto* quick = qobject_cast<QQuickWindow*>(window);
+                quick && window->objectName() == "breakWindow")
                 windows << quick;
         }
         return windows;
@@ -98,10 +99,7 @@ private slots:
         TicktackController::work(prefs().workTime());
     }
 
-    void cleanup()
-    {
-        WindowController::closeBreak();
-    }
+    void cleanup() { WindowController::closeBreak(); }
 
     // Styles and their sentences.
 
@@ -146,7 +144,8 @@ private slots:
         SettingsStore::settings().setValue("break_style", 1);
         QCOMPARE(prefs().styleState()->breakStyle().value(), BreakStyle::struggle);
         finishWork();
-        QVERIFY2(BreakStyle(BreakStyle::struggle).prompts().contains(prompt().prompt()), qPrintable(prompt().prompt()));
+        QVERIFY2(BreakStyle(BreakStyle::struggle).prompts().contains(prompt().prompt()),
+                 qPrintable(prompt().prompt()));
     }
 
     void storedStyleThatNamesNoStyleReadsAsRelaxation()
@@ -274,7 +273,8 @@ private slots:
     void shortBreakTimesOfZeroEndsTheProcessAtTheFirstBreak()
     {
         QTemporaryDir home;
-        const auto child = TestSupport::runChild("zero-rotation", TestSupport::environmentWithHome(home.path()));
+        const auto child =
+            TestSupport::runChild("zero-rotation", TestSupport::environmentWithHome(home.path()));
         QVERIFY(child.crashed);
         QVERIFY2(child.standardError.contains("short_break_times is 0"), qPrintable(child.standardError));
         QVERIFY(!child.standardOutput.contains("survived"));

@@ -35,7 +35,8 @@ class BreakScreenTest : public QObject {
         QStringList arguments{"search"};
         if (onlyVisible)
             arguments << "--onlyvisible";
-        arguments << "--name" << "^" + name + "$";
+        arguments << "--name"
+                  << "^" + name + "$";
         return run("xdotool", arguments).split('\n', Qt::SkipEmptyParts);
     }
 
@@ -105,8 +106,9 @@ private slots:
             ++number;
         display = QString(":%1").arg(number);
         xserver.start("/usr/lib/xorg/Xorg",
-                      {display, "-config", QStringLiteral(TESTS_SOURCE_DIR "/support/xorg-dummy.conf"), "-noreset",
-                       "-nolisten", "tcp", "-novtswitch", "-sharevts", "-logfile", scratch.filePath("xorg.log")});
+                      {display, "-config", QStringLiteral(TESTS_SOURCE_DIR "/support/xorg-dummy.conf"),
+                       "-noreset", "-nolisten", "tcp", "-novtswitch", "-sharevts", "-logfile",
+                       scratch.filePath("xorg.log")});
         QVERIFY(xserver.waitForStarted());
         int exitCode = 1;
         for (int i = 0; i < 100 && exitCode != 0; ++i) {
@@ -165,10 +167,10 @@ private slots:
             if (message.startsWith("ticktack") || message.startsWith("skip"))
                 messages << message;
         }
-        const QStringList expected{"ticktack timer start 3.0",   "ticktack timer timesup for 3.0",
-                                   "ticktack timer stoped 1.0",  "ticktack timer start 2.0",
+        const QStringList expected{"ticktack timer start 3.0",       "ticktack timer timesup for 3.0",
+                                   "ticktack timer stoped 1.0",      "ticktack timer start 2.0",
                                    "ticktack timer timesup for 2.0", "skip break view",
-                                   "ticktack timer stoped 1.0",  "ticktack timer start 3.0"};
+                                   "ticktack timer stoped 1.0",      "ticktack timer start 3.0"};
         const int first = messages.indexOf("ticktack timer start 3.0");
         QVERIFY(first >= 0);
         QCOMPARE(messages.mid(first, expected.size()), expected);
@@ -190,7 +192,8 @@ private slots:
         QVERIFY(QFile::exists(shot));
         int exitCode = 1;
         const QPoint skip = QPoint(640, 400 + 168);
-        run("xdotool", {"mousemove", QString::number(skip.x()), QString::number(skip.y()), "click", "1"}, &exitCode);
+        run("xdotool", {"mousemove", QString::number(skip.x()), QString::number(skip.y()), "click", "1"},
+            &exitCode);
         QCOMPARE(exitCode, 0);
         QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 3000);
         QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
@@ -204,9 +207,10 @@ private slots:
         Program program;
         start(program, "work_time=0.05\nbreak_time=3\n");
         QTRY_VERIFY_WITH_TIMEOUT(!windowsNamed("DUMMY0", true).isEmpty(), 10000);
-        QVERIFY2(windowsNamed("DUMMY0", true).size() == 1,
-                 qPrintable(run("xdotool", {"search", "--onlyvisible", "--name", ".", "getwindowname", "%@"}) + "\n" +
-                            program.logText()));
+        QVERIFY2(
+            windowsNamed("DUMMY0", true).size() == 1,
+            qPrintable(run("xdotool", {"search", "--onlyvisible", "--name", ".", "getwindowname", "%@"}) +
+                       "\n" + program.logText()));
         QCOMPARE(windowsNamed("EXTRA1", false).size(), 0);
         run("xrandr", {"--setmonitor", "EXTRA1", "1024/271x768/203+1280+0", "none"});
         QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 10000);

@@ -48,8 +48,8 @@ std::time_t noonOn(int year, int month, int day)
 class RecordingHandler : public LogHandler {
 public:
     RecordingHandler(QStringList* record, QString name) : m_record(record), m_name(std::move(name)) {}
-    void log(LogLevel, const QString& message, const LogMetadata&, const QString&, const QString&, const QString&,
-             int) override
+    void log(LogLevel, const QString& message, const LogMetadata&, const QString&, const QString&,
+             const QString&, int) override
     {
         *m_record << m_name + u':' + message;
     }
@@ -87,11 +87,15 @@ private slots:
         QTest::addColumn<QString>("locale");
         QTest::addColumn<QString>("text");
         // In the US the week of 29 December 2024 is the first of 2025.
-        QTest::newRow("US, 30 Dec 2024") << 2024 << 12 << 30 << "en_US" << "20251230";
-        QTest::newRow("US, 1 Jan 2021") << 2021 << 1 << 1 << "en_US" << "20210101";
+        QTest::newRow("US, 30 Dec 2024") << 2024 << 12 << 30 << "en_US"
+                                         << "20251230";
+        QTest::newRow("US, 1 Jan 2021") << 2021 << 1 << 1 << "en_US"
+                                        << "20210101";
         // By ISO rules 1 January 2021 still belongs to the last week of 2020.
-        QTest::newRow("Germany, 1 Jan 2021") << 2021 << 1 << 1 << "de_DE" << "20200101";
-        QTest::newRow("Germany, mid-year") << 2024 << 7 << 15 << "de_DE" << "20240715";
+        QTest::newRow("Germany, 1 Jan 2021") << 2021 << 1 << 1 << "de_DE"
+                                             << "20200101";
+        QTest::newRow("Germany, mid-year") << 2024 << 7 << 15 << "de_DE"
+                                           << "20240715";
     }
     void fileDateUsesTheWeekNumberingYear()
     {
@@ -133,7 +137,8 @@ private slots:
         for (int launch = 0; launch < 2; ++launch) {
             auto fileLogging = FileLogging::to(file, &error);
             QVERIFY2(fileLogging, qPrintable(error));
-            fileLogging->handler("label")->log(LogLevel::info, QString("launch %1").arg(launch), {}, {}, {}, {}, 0);
+            fileLogging->handler("label")->log(LogLevel::info, QString("launch %1").arg(launch), {}, {}, {},
+                                               {}, 0);
         }
         const QStringList lines = readAll(file).split('\n', Qt::SkipEmptyParts);
         QCOMPARE(lines.size(), 3);
@@ -237,8 +242,9 @@ private slots:
         const QString text = LogLine::timestamp();
         qputenv("TZ", zone);
         tzset();
-        QVERIFY2(QRegularExpression("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\+0800$").match(text).hasMatch(),
-                 qPrintable(text));
+        QVERIFY2(
+            QRegularExpression("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\+0800$").match(text).hasMatch(),
+            qPrintable(text));
     }
 
     void textTheEncodingCannotHoldIsDropped()

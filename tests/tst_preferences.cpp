@@ -2,8 +2,8 @@
 #include "support/TestMain.h"
 
 #include "app/AppState.h"
-#include "preferences/LoginItem.h"
 #include "break/PrefStyleState.h"
+#include "preferences/LoginItem.h"
 #include "preferences/PrefState.h"
 #include "preferences/SettingsStore.h"
 #include "statusbar/StatusBarController.h"
@@ -37,10 +37,7 @@ class PreferencesTest : public QObject {
     }
 
 private slots:
-    void initTestCase()
-    {
-        TicktackController::setTickSource(std::make_unique<ManualTickSource>());
-    }
+    void initTestCase() { TicktackController::setTickSource(std::make_unique<ManualTickSource>()); }
 
     // Runs first, while nothing has been written.
     void creatingTheStoreWritesNothing()
@@ -85,7 +82,8 @@ private slots:
         QCOMPARE(prefs.shortBreakTimesString(), "4");
         QCOMPARE(prefs.longBreakTimeString(), "15");
         QCOMPARE(prefs.customLongBreakPrompt(), false);
-        QCOMPARE(prefs.longBreakPrompt(), "地球不会因你停下来而停止转动\\n老板不会因你摸鱼而不挣钱\\n所以\\n不要犹豫");
+        QCOMPARE(prefs.longBreakPrompt(),
+                 "地球不会因你停下来而停止转动\\n老板不会因你摸鱼而不挣钱\\n所以\\n不要犹豫");
         QCOMPARE(prefs.forceLongBreak(), false);
         QCOMPARE(prefs.restartTimerAfterAwake(), true);
         QCOMPARE(prefs.stopTimerAfterMouseStop(), true);

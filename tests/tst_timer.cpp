@@ -121,7 +121,8 @@ private slots:
         TicktackController::work(3);
         QCOMPARE(TestSupport::logLines().last().section(QLatin1String(" : "), 1), "ticktack timer start 3.0");
         ticks->tick(3);
-        QCOMPARE(TestSupport::logLines().last().section(QLatin1String(" : "), 1), "ticktack timer timesup for 3.0");
+        QCOMPARE(TestSupport::logLines().last().section(QLatin1String(" : "), 1),
+                 "ticktack timer timesup for 3.0");
     }
 
     void fractionalLengthAddsAVisibleZeroSecond()
@@ -184,7 +185,8 @@ private slots:
         TicktackController::stop();
         const QStringList lines = TestSupport::logLines();
         QCOMPARE(lines.size(), before + 1);
-        QVERIFY(lines.last().endsWith(QLatin1String(" info org.lulltide.Lulltide : ticktack timer stoped 1.0")));
+        QVERIFY(
+            lines.last().endsWith(QLatin1String(" info org.lulltide.Lulltide : ticktack timer stoped 1.0")));
     }
 
     void stopKeepsTheLastTextAndTimesUp()

@@ -11,7 +11,8 @@ class PrefStyleState : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The style choice belongs to the settings")
-    Q_PROPERTY(int breakStyleRawValue READ breakStyleRawValue WRITE setBreakStyleRawValue NOTIFY breakStyleChanged)
+    Q_PROPERTY(
+        int breakStyleRawValue READ breakStyleRawValue WRITE setBreakStyleRawValue NOTIFY breakStyleChanged)
 
 public:
     static constexpr const char breakStyleKey[] = "break_style";

@@ -60,11 +60,12 @@ void present(QQuickWindow* window)
 QQuickWindow* breakWindow(const QRect& frame, const QString& displayId, QScreen* screen)
 {
     // The view first: making the engine chooses the renderer the window will use.
-    QObject* view = QmlEngine::create(QStringLiteral("BreakView"),
-                                      {
-                                          {QStringLiteral("promptState"), QVariant::fromValue(&AppState::promptState())},
-                                          {QStringLiteral("breakState"), QVariant::fromValue(&AppState::breakState())},
-                                      });
+    QObject* view =
+        QmlEngine::create(QStringLiteral("BreakView"),
+                          {
+                              {QStringLiteral("promptState"), QVariant::fromValue(&AppState::promptState())},
+                              {QStringLiteral("breakState"), QVariant::fromValue(&AppState::breakState())},
+                          });
 
     auto* window = new QQuickWindow;
     window->setObjectName(QLatin1String(breakWindowName));

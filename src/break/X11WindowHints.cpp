@@ -16,8 +16,8 @@ void showOnAllDesktops(QWindow* window)
     const auto id = static_cast<::Window>(window->winId());
 
     const unsigned long allDesktops = 0xFFFFFFFFul;
-    XChangeProperty(display, id, XInternAtom(display, "_NET_WM_DESKTOP", False), XA_CARDINAL, 32, PropModeReplace,
-                    reinterpret_cast<const unsigned char*>(&allDesktops), 1);
+    XChangeProperty(display, id, XInternAtom(display, "_NET_WM_DESKTOP", False), XA_CARDINAL, 32,
+                    PropModeReplace, reinterpret_cast<const unsigned char*>(&allDesktops), 1);
 
     // Qt merges these with its own states (stay on top) when it maps the window.
     const Atom states[] = {

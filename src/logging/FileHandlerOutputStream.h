@@ -14,8 +14,9 @@ public:
 
     // Creates the file when it is missing and opens it positioned at its end.
     // On failure returns nothing and describes the problem in *error.
-    static std::optional<FileHandlerOutputStream> open(const QString& localFile, QString* error,
-                                                       QStringConverter::Encoding encoding = QStringConverter::Utf8);
+    static std::optional<FileHandlerOutputStream>
+    open(const QString& localFile, QString* error,
+         QStringConverter::Encoding encoding = QStringConverter::Utf8);
 
     // Text that cannot be encoded without loss is dropped.
     void write(const QString& text);

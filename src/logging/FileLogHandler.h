@@ -13,7 +13,8 @@ class FileLogging;
 class FileLogHandler : public LogHandler {
 public:
     FileLogHandler(QString label, const FileLogging& fileLogger);
-    static std::unique_ptr<FileLogHandler> create(const QString& label, const QString& localFile, QString* error);
+    static std::unique_ptr<FileLogHandler> create(const QString& label, const QString& localFile,
+                                                  QString* error);
 
     void log(LogLevel level, const QString& message, const LogMetadata& metadata, const QString& source,
              const QString& file, const QString& function, int line) override;

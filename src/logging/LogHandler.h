@@ -8,8 +8,8 @@ class LogHandler {
 public:
     virtual ~LogHandler() = default;
 
-    virtual void log(LogLevel level, const QString& message, const LogMetadata& metadata, const QString& source,
-                     const QString& file, const QString& function, int line) = 0;
+    virtual void log(LogLevel level, const QString& message, const LogMetadata& metadata,
+                     const QString& source, const QString& file, const QString& function, int line) = 0;
 
     virtual LogLevel logLevel() const = 0;
     virtual void setLogLevel(LogLevel level) = 0;

@@ -25,8 +25,8 @@ std::optional<QString> prettify(const LogMetadata& metadata)
     return pairs.join(u' ');
 }
 
-std::optional<QString> effectiveMetadata(const std::optional<QString>& handlerText, const LogMetadata& handlerMetadata,
-                                         const LogMetadata& callMetadata)
+std::optional<QString> effectiveMetadata(const std::optional<QString>& handlerText,
+                                         const LogMetadata& handlerMetadata, const LogMetadata& callMetadata)
 {
     if (callMetadata.isEmpty())
         return handlerText;
@@ -38,7 +38,8 @@ std::optional<QString> effectiveMetadata(const std::optional<QString>& handlerTe
 QString format(LogLevel level, const QString& label, const std::optional<QString>& metadataText,
                const QString& message)
 {
-    QString line = timestamp() + u' ' + QLatin1String(logLevelName(level)) + u' ' + label + QStringLiteral(" :");
+    QString line =
+        timestamp() + u' ' + QLatin1String(logLevelName(level)) + u' ' + label + QStringLiteral(" :");
     if (metadataText)
         line += u' ' + *metadataText;
     line += u' ' + message + u'\n';

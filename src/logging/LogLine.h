@@ -17,8 +17,8 @@ std::optional<QString> prettify(const LogMetadata& metadata);
 
 // The metadata text of one record: the handler's pre-rendered text when the call brings none,
 // otherwise the handler's metadata merged with the call's (the call's values win).
-std::optional<QString> effectiveMetadata(const std::optional<QString>& handlerText, const LogMetadata& handlerMetadata,
-                                         const LogMetadata& callMetadata);
+std::optional<QString> effectiveMetadata(const std::optional<QString>& handlerText,
+                                         const LogMetadata& handlerMetadata, const LogMetadata& callMetadata);
 
 QString format(LogLevel level, const QString& label, const std::optional<QString>& metadataText,
                const QString& message);

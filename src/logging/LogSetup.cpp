@@ -90,7 +90,8 @@ bool prepareDirectory(const QString& directory, const QString& identifier, const
             continue; // inside a folder removed a moment ago
         fs::remove_all(path, code);
         if (code) {
-            *error = QString::fromStdString(code.message()) + QStringLiteral(": ") + QString::fromStdString(path.string());
+            *error = QString::fromStdString(code.message()) + QStringLiteral(": ") +
+                     QString::fromStdString(path.string());
             return false;
         }
     }

@@ -2,7 +2,8 @@
 
 #include "LogLine.h"
 
-StreamLogHandler::StreamLogHandler(QString label, std::FILE* stream) : m_label(std::move(label)), m_stream(stream)
+StreamLogHandler::StreamLogHandler(QString label, std::FILE* stream)
+    : m_label(std::move(label)), m_stream(stream)
 {
 }
 
@@ -12,8 +13,8 @@ void StreamLogHandler::setMetadata(const LogMetadata& metadata)
     m_prettyMetadata = LogLine::prettify(m_metadata);
 }
 
-void StreamLogHandler::log(LogLevel level, const QString& message, const LogMetadata& metadata, const QString&,
-                           const QString&, const QString&, int)
+void StreamLogHandler::log(LogLevel level, const QString& message, const LogMetadata& metadata,
+                           const QString&, const QString&, const QString&, int)
 {
     const auto metadataText = LogLine::effectiveMetadata(m_prettyMetadata, m_metadata, metadata);
     const QByteArray bytes = LogLine::format(level, m_label, metadataText, message).toUtf8();

@@ -27,8 +27,8 @@ QString command()
 
 QString entryPath()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/autostart/") +
-           QString::fromUtf8(Config::appId) + QStringLiteral(".desktop");
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/autostart/") + QString::fromUtf8(Config::appId) + QStringLiteral(".desktop");
 }
 
 bool setEnabled(bool enabled, QString* error)

@@ -170,7 +170,9 @@ void PrefState::setCustomLongBreakPrompt(bool value)
 
 QString PrefState::longBreakPrompt() const
 {
-    return readText(longBreakPromptKey, QStringLiteral("地球不会因你停下来而停止转动\\n老板不会因你摸鱼而不挣钱\\n所以\\n不要犹豫"));
+    return readText(
+        longBreakPromptKey,
+        QStringLiteral("地球不会因你停下来而停止转动\\n老板不会因你摸鱼而不挣钱\\n所以\\n不要犹豫"));
 }
 
 void PrefState::setLongBreakPrompt(const QString& value)

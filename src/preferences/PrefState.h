@@ -16,20 +16,31 @@ class PrefState : public QObject {
     QML_UNCREATABLE("The settings belong to the application")
     Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
     Q_PROPERTY(bool showTime READ showTime WRITE setShowTime NOTIFY showTimeChanged)
-    Q_PROPERTY(bool autoCheckUpdate READ autoCheckUpdate WRITE setAutoCheckUpdate NOTIFY autoCheckUpdateChanged)
-    Q_PROPERTY(QString workTimeString READ workTimeString WRITE setWorkTimeString NOTIFY workTimeStringChanged)
-    Q_PROPERTY(QString breakTimeString READ breakTimeString WRITE setBreakTimeString NOTIFY breakTimeStringChanged)
-    Q_PROPERTY(bool customBreakPrompt READ customBreakPrompt WRITE setCustomBreakPrompt NOTIFY customBreakPromptChanged)
+    Q_PROPERTY(
+        bool autoCheckUpdate READ autoCheckUpdate WRITE setAutoCheckUpdate NOTIFY autoCheckUpdateChanged)
+    Q_PROPERTY(
+        QString workTimeString READ workTimeString WRITE setWorkTimeString NOTIFY workTimeStringChanged)
+    Q_PROPERTY(
+        QString breakTimeString READ breakTimeString WRITE setBreakTimeString NOTIFY breakTimeStringChanged)
+    Q_PROPERTY(bool customBreakPrompt READ customBreakPrompt WRITE setCustomBreakPrompt NOTIFY
+                   customBreakPromptChanged)
     Q_PROPERTY(QString breakPrompt READ breakPrompt WRITE setBreakPrompt NOTIFY breakPromptChanged)
-    Q_PROPERTY(QString shortBreakTimesString READ shortBreakTimesString WRITE setShortBreakTimesString NOTIFY shortBreakTimesStringChanged)
-    Q_PROPERTY(QString longBreakTimeString READ longBreakTimeString WRITE setLongBreakTimeString NOTIFY longBreakTimeStringChanged)
-    Q_PROPERTY(bool customLongBreakPrompt READ customLongBreakPrompt WRITE setCustomLongBreakPrompt NOTIFY customLongBreakPromptChanged)
-    Q_PROPERTY(QString longBreakPrompt READ longBreakPrompt WRITE setLongBreakPrompt NOTIFY longBreakPromptChanged)
+    Q_PROPERTY(QString shortBreakTimesString READ shortBreakTimesString WRITE setShortBreakTimesString NOTIFY
+                   shortBreakTimesStringChanged)
+    Q_PROPERTY(QString longBreakTimeString READ longBreakTimeString WRITE setLongBreakTimeString NOTIFY
+                   longBreakTimeStringChanged)
+    Q_PROPERTY(bool customLongBreakPrompt READ customLongBreakPrompt WRITE setCustomLongBreakPrompt NOTIFY
+                   customLongBreakPromptChanged)
+    Q_PROPERTY(
+        QString longBreakPrompt READ longBreakPrompt WRITE setLongBreakPrompt NOTIFY longBreakPromptChanged)
     Q_PROPERTY(bool forceLongBreak READ forceLongBreak WRITE setForceLongBreak NOTIFY forceLongBreakChanged)
-    Q_PROPERTY(bool restartTimerAfterAwake READ restartTimerAfterAwake WRITE setRestartTimerAfterAwake NOTIFY restartTimerAfterAwakeChanged)
-    Q_PROPERTY(bool stopTimerAfterMouseStop READ stopTimerAfterMouseStop WRITE setStopTimerAfterMouseStop NOTIFY stopTimerAfterMouseStopChanged)
+    Q_PROPERTY(bool restartTimerAfterAwake READ restartTimerAfterAwake WRITE setRestartTimerAfterAwake NOTIFY
+                   restartTimerAfterAwakeChanged)
+    Q_PROPERTY(bool stopTimerAfterMouseStop READ stopTimerAfterMouseStop WRITE setStopTimerAfterMouseStop
+                   NOTIFY stopTimerAfterMouseStopChanged)
     Q_PROPERTY(bool showNewDayTip READ showNewDayTip WRITE setShowNewDayTip NOTIFY showNewDayTipChanged)
-    Q_PROPERTY(double lastWeakupTimestamp READ lastWeakupTimestamp WRITE setLastWeakupTimestamp NOTIFY lastWeakupTimestampChanged)
+    Q_PROPERTY(double lastWeakupTimestamp READ lastWeakupTimestamp WRITE setLastWeakupTimestamp NOTIFY
+                   lastWeakupTimestampChanged)
     Q_PROPERTY(PrefStyleState* styleState READ styleState WRITE setStyleState NOTIFY styleStateChanged)
     Q_PROPERTY(double workTime READ workTime NOTIFY workTimeStringChanged)
     Q_PROPERTY(double breakTime READ breakTime NOTIFY breakTimeStringChanged)

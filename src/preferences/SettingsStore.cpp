@@ -9,8 +9,8 @@ QSettings& settings()
 {
     // The native format is an INI file on Linux ($XDG_CONFIG_HOME/lulltide/lulltide.conf) and the
     // user defaults domain on macOS.
-    static QSettings* store = new QSettings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("lulltide"),
-                                            QStringLiteral("lulltide"));
+    static QSettings* store = new QSettings(QSettings::NativeFormat, QSettings::UserScope,
+                                            QStringLiteral("lulltide"), QStringLiteral("lulltide"));
     return *store;
 }
 

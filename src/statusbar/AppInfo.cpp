@@ -90,7 +90,9 @@ QString osVersionFromRelease(const QString& release)
 {
     static const QRegularExpression numbers(QStringLiteral("^(\\d+)(?:\\.(\\d+))?(?:\\.(\\d+))?"));
     const QRegularExpressionMatch match = numbers.match(release);
-    auto part = [&](int index) { return match.captured(index).isEmpty() ? QStringLiteral("0") : match.captured(index); };
+    auto part = [&](int index) {
+        return match.captured(index).isEmpty() ? QStringLiteral("0") : match.captured(index);
+    };
     return part(1) + u'.' + part(2) + u'.' + part(3);
 }
 

@@ -31,12 +31,15 @@ StatusMenu* buildMenu()
     menu->addItem(new StatusMenuItem(headerTitle(AppInfo::infos())));
     menu->addItem(StatusMenuItem::separator());
 
-    auto* pause = entry({}, {}, QStringLiteral("p"), [] { AppState::setManualPause(!AppState::manualPause()); });
+    auto* pause =
+        entry({}, {}, QStringLiteral("p"), [] { AppState::setManualPause(!AppState::manualPause()); });
     pause->setTag(AppState::pauseItemTag);
     menu->addItem(pause);
-    menu->addItem(entry(QStringLiteral("Settings..."), QStringLiteral("gearshape.circle"), QStringLiteral(","), {}));
+    menu->addItem(
+        entry(QStringLiteral("Settings..."), QStringLiteral("gearshape.circle"), QStringLiteral(","), {}));
     menu->addItem(StatusMenuItem::separator());
-    menu->addItem(entry(QStringLiteral("Check for Updates..."), QStringLiteral("arrow.counterclockwise.icloud"), {}, {}));
+    menu->addItem(entry(QStringLiteral("Check for Updates..."),
+                        QStringLiteral("arrow.counterclockwise.icloud"), {}, {}));
     menu->addItem(entry(QStringLiteral("Feedback..."), QStringLiteral("mail.stack"), {}, {}));
     menu->addItem(entry(QStringLiteral("About..."), QStringLiteral("info.circle"), {}, {}));
     menu->addItem(entry(QStringLiteral("Quit"), QStringLiteral("escape"), QStringLiteral("q"),
@@ -74,7 +77,8 @@ StatusItem* buildItem()
 
 QString headerTitle(const QVariantMap& infos)
 {
-    return AppInfo::name(infos) + QStringLiteral(" - v") + AppInfo::version(infos) + u'(' + AppInfo::build(infos) + u')';
+    return AppInfo::name(infos) + QStringLiteral(" - v") + AppInfo::version(infos) + u'(' +
+           AppInfo::build(infos) + u')';
 }
 
 StatusMenu& menu()

@@ -12,7 +12,6 @@
 namespace TicktackController {
 namespace {
 
-TickSource& tickSource();
 std::unique_ptr<TickSource>& installedSource()
 {
     static std::unique_ptr<TickSource> source;

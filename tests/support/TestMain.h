@@ -15,7 +15,8 @@ using BeforeApplication = void (*)();
 // program runs childMain(mode) instead, keeping the environment its parent gave it: for what
 // needs a fresh process (once-per-process set-up, fatal errors).
 template <typename TestClass>
-int runTests(int argc, char* argv[], ChildMain childMain = nullptr, BeforeApplication beforeApplication = nullptr)
+int runTests(int argc, char* argv[], ChildMain childMain = nullptr,
+             BeforeApplication beforeApplication = nullptr)
 {
     if (beforeApplication)
         beforeApplication();
@@ -33,14 +34,14 @@ int runTests(int argc, char* argv[], ChildMain childMain = nullptr, BeforeApplic
 
 } // namespace TestSupport
 
-#define LULLTIDE_TEST_MAIN(TestClass)                                                                         \
-    int main(int argc, char* argv[])                                                                          \
-    {                                                                                                         \
-        return TestSupport::runTests<TestClass>(argc, argv);                                                  \
+#define LULLTIDE_TEST_MAIN(TestClass)                                                                        \
+    int main(int argc, char* argv[])                                                                         \
+    {                                                                                                        \
+        return TestSupport::runTests<TestClass>(argc, argv);                                                 \
     }
 
-#define LULLTIDE_TEST_MAIN_WITH_CHILD(TestClass, childMain)                                                   \
-    int main(int argc, char* argv[])                                                                          \
-    {                                                                                                         \
-        return TestSupport::runTests<TestClass>(argc, argv, childMain);                                       \
+#define LULLTIDE_TEST_MAIN_WITH_CHILD(TestClass, childMain)                                                  \
+    int main(int argc, char* argv[])                                                                         \
+    {                                                                                                        \
+        return TestSupport::runTests<TestClass>(argc, argv, childMain);                                      \
     }

@@ -12,7 +12,8 @@ namespace TestSupport {
 
 QString isolateUserDirs()
 {
-    static QTemporaryDir* root = new QTemporaryDir(QDir::tempPath() + QStringLiteral("/lulltide-test-XXXXXX"));
+    static QTemporaryDir* root =
+        new QTemporaryDir(QDir::tempPath() + QStringLiteral("/lulltide-test-XXXXXX"));
     const QString home = root->path();
     qputenv("HOME", home.toUtf8());
     qputenv("XDG_CONFIG_HOME", (home + QStringLiteral("/.config")).toUtf8());
