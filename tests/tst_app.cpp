@@ -23,17 +23,7 @@ class AppTest : public QObject {
 
     static QString settingsPath(const QString& home) { return home + "/.config/lulltide/lulltide.conf"; }
 
-    static QString logOf(const QString& home)
-    {
-        QDir logs(home + "/.cache/Logs");
-        QString text;
-        for (const QString& name : logs.entryList({"*.log"}, QDir::Files)) {
-            QFile file(logs.filePath(name));
-            if (file.open(QIODevice::ReadOnly))
-                text += QString::fromUtf8(file.readAll());
-        }
-        return text;
-    }
+    static QString logOf(const QString& home) { return TestSupport::logTextIn(home); }
 
     // Starts the real program in `home`, lets it run a moment, checks it is still running and
     // ends it the way a session logout does.

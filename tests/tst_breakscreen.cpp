@@ -52,17 +52,7 @@ class BreakScreenTest : public QObject {
     struct Program {
         QTemporaryDir home;
         QProcess process;
-        QString logText() const
-        {
-            QDir logs(home.path() + "/.cache/Logs");
-            QString text;
-            for (const QString& name : logs.entryList({"*.log"}, QDir::Files)) {
-                QFile file(logs.filePath(name));
-                if (file.open(QIODevice::ReadOnly))
-                    text += QString::fromUtf8(file.readAll());
-            }
-            return text;
-        }
+        QString logText() const { return TestSupport::logTextIn(home.path()); }
         QStringList messages() const
         {
             QStringList result;

@@ -38,6 +38,18 @@ QStringList logLines()
     return logText().split(u'\n', Qt::SkipEmptyParts);
 }
 
+QString logTextIn(const QString& home)
+{
+    QDir logs(home + QStringLiteral("/.cache/Logs"));
+    QString text;
+    for (const QString& name : logs.entryList({QStringLiteral("*.log")}, QDir::Files)) {
+        QFile file(logs.filePath(name));
+        if (file.open(QIODevice::ReadOnly))
+            text += QString::fromUtf8(file.readAll());
+    }
+    return text;
+}
+
 QProcessEnvironment environmentWithHome(const QString& root)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

@@ -16,6 +16,9 @@ QString isolateUserDirs();
 QString logText();
 QStringList logLines();
 
+// The log files of a program run with HOME at `home`, as one text.
+QString logTextIn(const QString& home);
+
 // Runs this test program again as a child in `mode` (see LULLTIDE_TEST_MAIN_WITH_CHILD),
 // with the given environment, and returns its exit code, standard output and error.
 struct ChildResult {
