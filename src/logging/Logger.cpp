@@ -11,7 +11,7 @@
 #include <QFileInfo>
 #include <cstdio>
 
-Logger::Logger(QString label) : m_label(label), m_handler(LoggingSystem::makeHandler(label)) {}
+Logger::Logger(QString label) : m_label(std::move(label)), m_handler(LoggingSystem::makeHandler(m_label)) {}
 
 Logger::Logger(QString label, std::unique_ptr<LogHandler> handler)
     : m_label(std::move(label)), m_handler(std::move(handler))
