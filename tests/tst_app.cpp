@@ -12,6 +12,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QIcon>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -82,6 +83,34 @@ private slots:
             titles << (item->isSeparator() ? "---" : item->title());
         QCOMPARE(titles, QStringList({"Lulltide - v1.0.0(1)", "---", "- Stop -", "Settings...", "---",
                                       "Check for Updates...", "Feedback...", "About...", "Quit"}));
+    }
+
+    void installPutsAValidDesktopEntryMetadataAndIconInPlace()
+    {
+        QTemporaryDir prefix;
+        QProcess install;
+        install.start("cmake", {"--install", BUILD_DIR, "--prefix", prefix.path()});
+        QVERIFY(install.waitForFinished(60000));
+        QCOMPARE(install.exitCode(), 0);
+        const QString share = prefix.path() + "/share/";
+        QVERIFY(QFile::exists(prefix.path() + "/bin/lulltide"));
+        QVERIFY(QFile::exists(share + "icons/hicolor/scalable/apps/org.lulltide.Lulltide.svg"));
+
+        QProcess validate;
+        validate.start("desktop-file-validate", {share + "applications/org.lulltide.Lulltide.desktop"});
+        QVERIFY(validate.waitForFinished());
+        QVERIFY2(validate.exitCode() == 0, validate.readAllStandardOutput().constData());
+        validate.start("appstreamcli",
+                       {"validate", "--no-net", share + "metainfo/org.lulltide.Lulltide.metainfo.xml"});
+        QVERIFY(validate.waitForFinished(30000));
+        QVERIFY2(validate.exitCode() == 0, validate.readAllStandardOutput().constData());
+    }
+
+    void applicationIconIsBuiltIn()
+    {
+        QVERIFY(QFile::exists(":/icons/org.lulltide.Lulltide.svg"));
+        const QIcon icon(":/icons/org.lulltide.Lulltide.svg");
+        QVERIFY(!icon.pixmap(64, 64).isNull());
     }
 
     void programRunsUntilTerminatedAndWritesNoSettings()

@@ -3,6 +3,7 @@
 #include "statusbar/AppInfo.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QTimer>
 
 int main(int argc, char* argv[])
@@ -11,6 +12,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationName(AppInfo::name());
     QApplication::setApplicationVersion(AppInfo::version());
     QApplication::setDesktopFileName(QString::fromUtf8(Config::appId));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/org.lulltide.Lulltide.svg")));
     // No main window: closing the settings window or a break window must not end the program.
     QApplication::setQuitOnLastWindowClosed(false);
 
