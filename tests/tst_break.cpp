@@ -248,6 +248,21 @@ private slots:
         }
     }
 
+    void shortBreakPromptIsDrawnAtRandomFromTheWholeList()
+    {
+        prefs().setShortBreakTimesString("1000");
+        const QStringList sentences = BreakStyle().prompts();
+        QSet<QString> seen;
+        for (int i = 0; i < 60; ++i) {
+            finishWork();
+            QVERIFY(sentences.contains(prompt().prompt()));
+            seen.insert(prompt().prompt());
+            finishBreak();
+        }
+        // Sixty fair draws from ten leave fewer than six unseen with overwhelming likelihood.
+        QVERIFY2(seen.size() >= 6, qPrintable(QString::number(seen.size())));
+    }
+
     void shortBreakLastsTheBreakTimeAndLongTheLongBreakTime()
     {
         prefs().setShortBreakTimesString("2");

@@ -134,6 +134,7 @@ private slots:
         QVERIFY2(desktop.endsWith("= 4294967295"), qPrintable(desktop));
         const QString state = run("xprop", {"-id", left, "_NET_WM_STATE"});
         QVERIFY2(state.contains("_NET_WM_STATE_ABOVE") && state.contains("_NET_WM_STATE_STICKY") &&
+                     state.contains("_NET_WM_STATE_FULLSCREEN") &&
                      state.contains("_NET_WM_STATE_SKIP_TASKBAR"),
                  qPrintable(state));
 
@@ -145,6 +146,41 @@ private slots:
         QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
         QCOMPARE(windowsNamed("DUMMY0", false).size(), 1); // closed, kept for the next break
         QTRY_VERIFY(program.messages().count("ticktack timer start 3.0") >= 2);
+    }
+
+    void underAWindowManagerBreakWindowsAreFullScreenOnEveryDesktopAndFocused()
+    {
+        QProcess windowManager;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("DISPLAY", display);
+        windowManager.setProcessEnvironment(environment);
+        windowManager.start("openbox", {});
+        QVERIFY(windowManager.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"),
+                                 5000);
+        QCOMPARE(run("xdotool", {"get_num_desktops"}).toInt(), 4);
+
+        {
+            Program program;
+            start(program, "work_time=0.05\nbreak_time=300\n");
+            QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 10000);
+            QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 2000);
+            const QString left = windowsNamed("DUMMY0", true).first();
+            const QString right = windowsNamed("EXTRA1", true).first();
+            QTRY_COMPARE_WITH_TIMEOUT(geometryOf(left), QRect(0, 0, 1280, 800), 2000);
+            QTRY_COMPARE_WITH_TIMEOUT(geometryOf(right), QRect(1280, 0, 1024, 768), 2000);
+            QVERIFY(run("xprop", {"-id", right, "_NET_WM_STATE"}).contains("_NET_WM_STATE_FULLSCREEN"));
+            QTRY_COMPARE_WITH_TIMEOUT(run("xdotool", {"getwindowfocus"}), left, 3000);
+
+            // Another virtual desktop: the break is there too.
+            run("xdotool", {"set_desktop", "2"});
+            QTRY_COMPARE_WITH_TIMEOUT(run("xdotool", {"get_desktop"}), QString("2"), 2000);
+            QCOMPARE(windowsNamed("DUMMY0", true).size(), 1);
+            QCOMPARE(windowsNamed("EXTRA1", true).size(), 1);
+            run("xdotool", {"set_desktop", "0"});
+        }
+        windowManager.terminate();
+        QVERIFY(windowManager.waitForFinished(5000));
     }
 
     void cycleLogsWorkBreakAndWorkInOrder()

@@ -48,12 +48,11 @@ void fade(QQuickWindow* window, qreal to)
 void present(QQuickWindow* window)
 {
     X11WindowHints::showOnAllDesktops(window);
-    // Wayland lets no client place its windows: a full-screen window on the chosen output is
-    // the only way to cover it.
-    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
-        window->showFullScreen();
-    else
-        window->show();
+    // Full screen rather than a plain window of the screen's size: window managers keep plain
+    // windows out of the panels' space, and Wayland lets no client place its windows at all.
+    // Not showFullScreen(): it also asks for the focus, which belongs to the primary screen's window.
+    window->setWindowStates(Qt::WindowFullScreen);
+    window->setVisible(true);
     window->raise();
 }
 
