@@ -80,6 +80,13 @@ private slots:
         QTest::newRow("1") << 1.0 << "1.0";
         QTest::newRow("-3") << -3.0 << "-3.0";
         QTest::newRow("3.0000000000000004") << 3.0000000000000004 << "3.0000000000000004";
+        QTest::newRow("0") << 0.0 << "0.0";
+        QTest::newRow("100000 stays plain") << 100000.0 << "100000.0";
+        QTest::newRow("600000 stays plain") << 600000.0 << "600000.0";
+        QTest::newRow("0.0001") << 0.0001 << "0.0001";
+        QTest::newRow("below 0.0001") << 0.00001 << "1e-05";
+        QTest::newRow("from 2^53 on") << 1e16 << "1e+16";
+        QTest::newRow("1.5e300") << 1.5e300 << "1.5e+300";
     }
     void logNumbersUseShortestFormWithPointZeroForWholeNumbers()
     {
