@@ -190,6 +190,19 @@ private slots:
         QVERIFY(QFile::exists(directory + "elsewhere/" + id + ".20261101.log"));
     }
 
+    void fileLoggingMakesALoggerThatWritesOnlyToItsFile()
+    {
+        QTemporaryDir root;
+        const QString file = root.path() + "/own.log";
+        QString error;
+        auto own = FileLogging::logger("com.example.tool", file, &error);
+        QVERIFY2(own, qPrintable(error));
+        own->info("to the file");
+        own->debug("below the level");
+        QVERIFY(readAll(file).endsWith(" info com.example.tool : to the file\n"));
+        QCOMPARE(readAll(file).count('\n'), 1);
+    }
+
     void fileThatCannotBeCreatedIsReported()
     {
         QTemporaryDir root;
