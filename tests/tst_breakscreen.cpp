@@ -92,9 +92,9 @@ private slots:
 
         // Xorg picks a free display itself and tells its number on standard output.
         xserver.start("/usr/lib/xorg/Xorg",
-                      {"-displayfd", "1", "-config", QStringLiteral(TESTS_SOURCE_DIR "/support/xorg-dummy.conf"),
-                       "-noreset", "-nolisten", "tcp", "-novtswitch", "-sharevts", "-logfile",
-                       scratch.filePath("xorg.log")});
+                      {"-displayfd", "1", "-config",
+                       QStringLiteral(TESTS_SOURCE_DIR "/support/xorg-dummy.conf"), "-noreset", "-nolisten",
+                       "tcp", "-novtswitch", "-sharevts", "-logfile", scratch.filePath("xorg.log")});
         QVERIFY(xserver.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(xserver.canReadLine(), 10000);
         display = ":" + QString::fromLatin1(xserver.readLine()).trimmed();
@@ -179,6 +179,18 @@ private slots:
         }
         windowManager.terminate();
         QVERIFY(windowManager.waitForFinished(5000));
+    }
+
+    void monitorUnpluggedDuringABreakLeavesNoBreakWindowBehind()
+    {
+        Program program;
+        start(program, "work_time=0.05\nbreak_time=4\n");
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 10000);
+        run("xrandr", {"--delmonitor", "EXTRA1"});
+        QTRY_VERIFY_WITH_TIMEOUT(program.messages().count("ticktack timer start 3.0") >= 2, 10000);
+        QCOMPARE(windowsNamed("DUMMY0", true).size(), 0);
+        QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
+        run("xrandr", {"--setmonitor", "EXTRA1", "1024/271x768/203+1280+0", "none"});
     }
 
     void cycleLogsWorkBreakAndWorkInOrder()

@@ -127,6 +127,16 @@ void closeBreak()
         // the window in the window list for the next break.
         w->hide();
     }
+
+    // The window of a screen unplugged during the break is no screen's any more; Qt moved it
+    // to another screen, where it must not outlast the break.
+    QStringList screenIds;
+    for (const QScreen* screen : QGuiApplication::screens())
+        screenIds << displayIdentifier(screen);
+    for (QWindow* window : QGuiApplication::allWindows()) {
+        if (window->objectName() == QLatin1String(breakWindowName) && !screenIds.contains(window->title()))
+            window->hide();
+    }
 }
 
 } // namespace WindowController

@@ -15,7 +15,7 @@ void setup();
 void showBreak();
 
 // Fades out and closes the break window of every screen (a screen without one gets one,
-// closed at once).
+// closed at once), and closes the windows of screens that went away during the break.
 void closeBreak();
 
 // The screen's identifier, which is also the title of its break window: its name, "0" when empty.
