@@ -17,12 +17,19 @@ class BreakScreenTest : public QObject {
     QString display;
     QTemporaryDir scratch;
 
+    // The given environment, pointed at the test's X server.
+    QProcessEnvironment
+    onDisplay(QProcessEnvironment environment = QProcessEnvironment::systemEnvironment()) const
+    {
+        environment.insert("DISPLAY", display);
+        environment.remove("QT_QPA_PLATFORM");
+        return environment;
+    }
+
     QString run(const QString& program, const QStringList& arguments, int* exitCode = nullptr)
     {
         QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("DISPLAY", display);
-        process.setProcessEnvironment(environment);
+        process.setProcessEnvironment(onDisplay());
         process.start(program, arguments);
         process.waitForFinished(10000);
         if (exitCode)
@@ -74,10 +81,8 @@ class BreakScreenTest : public QObject {
         QVERIFY(conf.open(QIODevice::WriteOnly));
         conf.write("[General]\n" + settings);
         conf.close();
-        QProcessEnvironment environment = TestSupport::environmentWithHome(program.home.path());
-        environment.insert("DISPLAY", display);
-        environment.remove("QT_QPA_PLATFORM");
-        program.process.setProcessEnvironment(environment);
+        program.process.setProcessEnvironment(
+            onDisplay(TestSupport::environmentWithHome(program.home.path())));
         program.process.start(LULLTIDE_BINARY, {});
         QVERIFY(program.process.waitForStarted());
     }
@@ -149,9 +154,7 @@ private slots:
     void underAWindowManagerBreakWindowsAreFullScreenOnEveryDesktopAndFocused()
     {
         QProcess windowManager;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("DISPLAY", display);
-        windowManager.setProcessEnvironment(environment);
+        windowManager.setProcessEnvironment(onDisplay());
         windowManager.start("openbox", {});
         QVERIFY(windowManager.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"),
