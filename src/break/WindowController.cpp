@@ -4,6 +4,8 @@
 #include "X11WindowHints.h"
 #include "app/AppState.h"
 #include "app/QmlEngine.h"
+#include "logging/Logger.h"
+#include "statusbar/AboutDialog.h"
 #include "timer/TicktackState.h"
 
 #include <QGuiApplication>
@@ -96,6 +98,21 @@ QQuickWindow* window(QScreen* screen)
 } // namespace
 
 void setup() {}
+
+void showPrefView()
+{
+    logger().info(QStringLiteral("the settings window is not part of this version yet"));
+}
+
+void showUpdater()
+{
+    logger().info(QStringLiteral("update checks are not part of this version yet"));
+}
+
+void showAbout()
+{
+    AboutDialog::showShared();
+}
 
 QString displayIdentifier(const QScreen* screen)
 {

@@ -4,7 +4,8 @@ class QScreen;
 class QQuickWindow;
 class QString;
 
-// Opens and closes the application's own windows: one break window per screen.
+// Opens and closes the application's own windows: one break window per screen, the settings
+// window, the update check and the About dialog.
 namespace WindowController {
 
 // Start-up hook for the parts that must exist from launch on.
@@ -17,6 +18,15 @@ void showBreak();
 // Fades out and closes the break window of every screen (a screen without one gets one,
 // closed at once), and closes the windows of screens that went away during the break.
 void closeBreak();
+
+// Opens the settings window and brings it to the front.
+void showPrefView();
+
+// Checks for a newer version, with progress and result shown.
+void showUpdater();
+
+// Shows the About dialog, in front of other windows.
+void showAbout();
 
 // The screen's identifier, which is also the title of its break window: its name, "0" when empty.
 QString displayIdentifier(const QScreen* screen);

@@ -2,6 +2,7 @@
 
 #include "Config.h"
 
+#include <QGuiApplication>
 #include <QRegularExpression>
 #include <sys/utsname.h>
 
@@ -47,6 +48,12 @@ QString build(const QVariantMap& infos)
 QString identifier(const QVariantMap& infos)
 {
     return textOr(infos, "identifier", "1");
+}
+
+QIcon icon()
+{
+    const QIcon windowIcon = QGuiApplication::windowIcon();
+    return windowIcon.isNull() ? QIcon(QStringLiteral(":/icons/org.lulltide.Lulltide.svg")) : windowIcon;
 }
 
 QString copyright(const QDate& today)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDate>
+#include <QIcon>
 #include <QString>
 #include <QVariantMap>
 
@@ -17,6 +18,9 @@ QString build(const QVariantMap& infos = AppInfo::infos());
 QString identifier(const QVariantMap& infos = AppInfo::infos());
 
 // "Copyright © <year> <maker>." with the year of the given day (today by default).
+// The application's icon: the window icon the program set, or the built-in one.
+QIcon icon();
+
 QString copyright(const QDate& today = QDate::currentDate());
 QString releaseNotesLink();
 QString feedbackAddress();

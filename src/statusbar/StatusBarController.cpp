@@ -1,18 +1,24 @@
 #include "StatusBarController.h"
 
 #include "AppInfo.h"
+#include "Feedback.h"
 #include "StatusItem.h"
+#include "StatusItemExporter.h"
 #include "StatusMenu.h"
 #include "StatusMenuItem.h"
 #include "app/AppState.h"
 #include "break/PromptState.h"
+#include "break/WindowController.h"
 #include "preferences/PrefState.h"
 #include "timer/TicktackState.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 namespace StatusBarController {
 namespace {
+
+const QString muyuImage = QStringLiteral(":/icons/muyu.svg");
 
 StatusMenuItem* entry(const QString& title, const QString& image, const QString& key,
                       std::function<void()> action)
@@ -35,13 +41,16 @@ StatusMenu* buildMenu()
         entry({}, {}, QStringLiteral("p"), [] { AppState::setManualPause(!AppState::manualPause()); });
     pause->setTag(AppState::pauseItemTag);
     menu->addItem(pause);
-    menu->addItem(
-        entry(QStringLiteral("Settings..."), QStringLiteral("gearshape.circle"), QStringLiteral(","), {}));
+    menu->addItem(entry(QStringLiteral("Settings..."), QStringLiteral("gearshape.circle"),
+                        QStringLiteral(","), [] { WindowController::showPrefView(); }));
     menu->addItem(StatusMenuItem::separator());
     menu->addItem(entry(QStringLiteral("Check for Updates..."),
-                        QStringLiteral("arrow.counterclockwise.icloud"), {}, {}));
-    menu->addItem(entry(QStringLiteral("Feedback..."), QStringLiteral("mail.stack"), {}, {}));
-    menu->addItem(entry(QStringLiteral("About..."), QStringLiteral("info.circle"), {}, {}));
+                        QStringLiteral("arrow.counterclockwise.icloud"), {},
+                        [] { WindowController::showUpdater(); }));
+    menu->addItem(
+        entry(QStringLiteral("Feedback..."), QStringLiteral("mail.stack"), {}, [] { Feedback::compose(); }));
+    menu->addItem(entry(QStringLiteral("About..."), QStringLiteral("info.circle"), {},
+                        [] { WindowController::showAbout(); }));
     menu->addItem(entry(QStringLiteral("Quit"), QStringLiteral("escape"), QStringLiteral("q"),
                         [] { QCoreApplication::quit(); }));
     return menu;
@@ -61,15 +70,28 @@ void countdownChanged(StatusItem& item)
     item.setTitle(title);
 }
 
+// The tooltip keeps the countdown also when the title does not show it.
+void updateToolTip(StatusItem& item)
+{
+    const TicktackState& work = AppState::workState();
+    item.setToolTip(work.timesUp() ? QString() : work.timeString());
+}
+
 StatusItem* buildItem()
 {
     auto* item = new StatusItem;
+    if (QFile::exists(muyuImage))
+        item->setImagePath(muyuImage);
     item->setMenu(&menu());
     TicktackState& work = AppState::workState();
     QObject::connect(&work, &TicktackState::timesUpChanged, item, [item] { countdownChanged(*item); });
     QObject::connect(&work, &TicktackState::timeStringChanged, item, [item] { countdownChanged(*item); });
+    QObject::connect(&work, &TicktackState::timesUpChanged, item, [item] { updateToolTip(*item); });
+    QObject::connect(&work, &TicktackState::timeStringChanged, item, [item] { updateToolTip(*item); });
     // The subscription starts with the values the countdown already has.
     countdownChanged(*item);
+    updateToolTip(*item);
+    StatusItemExporter::start(*item);
     return item;
 }
 

@@ -7,3 +7,15 @@ void StatusItem::setTitle(const QString& title)
     m_title = title;
     emit titleChanged(m_title);
 }
+
+void StatusItem::setImagePath(const QString& path)
+{
+    m_imagePath = path;
+    emit imagePathChanged();
+}
+
+void StatusItem::setToolTip(const QString& toolTip)
+{
+    m_toolTip = toolTip;
+    emit toolTipChanged();
+}

@@ -40,6 +40,13 @@ int runTests(int argc, char* argv[], ChildMain childMain = nullptr,
         return TestSupport::runTests<TestClass>(argc, argv);                                                 \
     }
 
+// Runs the tests on a session bus of their own (see startPrivateSessionBus()).
+#define LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(TestClass, childMain)                                            \
+    int main(int argc, char* argv[])                                                                         \
+    {                                                                                                        \
+        return TestSupport::runTests<TestClass>(argc, argv, childMain, TestSupport::startPrivateSessionBus); \
+    }
+
 #define LULLTIDE_TEST_MAIN_WITH_CHILD(TestClass, childMain)                                                  \
     int main(int argc, char* argv[])                                                                         \
     {                                                                                                        \

@@ -8,6 +8,11 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <sys/types.h>
+
 namespace TestSupport {
 
 QString isolateUserDirs()
@@ -48,6 +53,25 @@ QString logTextIn(const QString& home)
             text += QString::fromUtf8(file.readAll());
     }
     return text;
+}
+
+void startPrivateSessionBus()
+{
+    if (!qEnvironmentVariableIsEmpty("LULLTIDE_TEST_CHILD"))
+        return;
+    FILE* daemon = popen("dbus-daemon --session --fork --print-address=1 --print-pid=1", "r");
+    if (!daemon)
+        qFatal("cannot start dbus-daemon");
+    char address[1024] = {};
+    char pidText[64] = {};
+    const bool read =
+        std::fgets(address, sizeof address, daemon) && std::fgets(pidText, sizeof pidText, daemon);
+    pclose(daemon);
+    if (!read)
+        qFatal("dbus-daemon did not tell its address");
+    static pid_t pid = static_cast<pid_t>(std::atol(pidText));
+    std::atexit([] { ::kill(pid, SIGTERM); });
+    qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray(address).trimmed());
 }
 
 QProcessEnvironment environmentWithHome(const QString& root)

@@ -29,6 +29,11 @@ struct ChildResult {
 };
 ChildResult runChild(const QByteArray& mode, const QProcessEnvironment& environment, int timeoutMs = 20000);
 
+// Starts a dbus-daemon of this test program's own and points DBUS_SESSION_BUS_ADDRESS at it, so
+// names a test takes (a panel's watcher) meet no other program. The daemon ends with the program.
+// Must run before the application object exists; a child started by runChild() keeps its parent's.
+void startPrivateSessionBus();
+
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);
 

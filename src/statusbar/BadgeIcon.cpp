@@ -1,0 +1,64 @@
+#include "BadgeIcon.h"
+
+#include <QFont>
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPainterPath>
+#include <QRegularExpression>
+#include <QSvgRenderer>
+
+namespace BadgeIcon {
+
+QString badgeText(const QString& countdown)
+{
+    // "MM:SS", with the hours written before the minutes when there are any: "HHMM:SS".
+    static const QRegularExpression format(QStringLiteral("^(\\d*)(\\d\\d):\\d\\d$"));
+    const QRegularExpressionMatch match = format.match(countdown);
+    if (!match.hasMatch())
+        return {};
+    const long long hours = match.captured(1).isEmpty() ? 0 : match.captured(1).toLongLong();
+    const long long minutes = hours * 60 + match.captured(2).toLongLong();
+    // Three digits do not fit a 16-pixel icon; from 100 minutes on the hours say enough.
+    if (minutes < 100)
+        return QString::number(minutes);
+    return QString::number(minutes / 60) + u'h';
+}
+
+QImage draw(const QString& svgPath, int size, const QString& badge)
+{
+    QSvgRenderer renderer(svgPath);
+    if (!renderer.isValid())
+        return {};
+    QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    renderer.render(&painter, QRectF(0, 0, size, size));
+
+    if (!badge.isEmpty()) {
+        // A saturated pill with a light rim and white digits reads on light and dark panels.
+        const qreal height = std::round(size * 0.62);
+        QFont font;
+        font.setBold(true);
+        font.setPixelSize(int(std::round(height * 0.86)));
+        font.setHintingPreference(QFont::PreferFullHinting);
+        const qreal textWidth = QFontMetricsF(font).horizontalAdvance(badge);
+        const qreal width = std::min<qreal>(size, std::max(height, textWidth + height * 0.4));
+        const QRectF pill(size - width, size - height, width, height);
+        const qreal rim = std::max(1.0, size / 24.0);
+
+        QPainterPath path;
+        path.addRoundedRect(pill.adjusted(rim / 2, rim / 2, -rim / 2, -rim / 2), height / 2, height / 2);
+        painter.setPen(QPen(QColor(255, 255, 255, 230), rim));
+        painter.setBrush(QColor(0xC2, 0x41, 0x0C));
+        painter.drawPath(path);
+
+        painter.setFont(font);
+        painter.setPen(Qt::white);
+        painter.drawText(pill, Qt::AlignCenter, badge);
+    }
+    painter.end();
+    return image;
+}
+
+} // namespace BadgeIcon

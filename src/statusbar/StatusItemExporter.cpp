@@ -1,0 +1,63 @@
+#include "StatusItemExporter.h"
+
+#include "DBusMenu.h"
+#include "StatusItem.h"
+#include "StatusNotifierItem.h"
+#include "StatusPopupMenu.h"
+#include "TrayIcon.h"
+#include "logging/Logger.h"
+
+#include <QCursor>
+#include <QPointer>
+
+namespace StatusItemExporter {
+namespace {
+
+StatusPopupMenu* popupMenu(StatusItem& item)
+{
+    static QPointer<StatusPopupMenu> menu;
+    if (!menu)
+        menu = new StatusPopupMenu(*item.menu());
+    return menu;
+}
+
+QPointer<TrayIcon> trayIcon;
+
+void showTrayIcon(StatusItem& item, const QString& why)
+{
+    logger().info(why + QStringLiteral(": the panel shows a tray icon without the countdown"));
+    trayIcon = new TrayIcon(item, popupMenu(item), &item);
+}
+
+} // namespace
+
+void start(StatusItem& item)
+{
+    static bool started = false;
+    if (started)
+        return;
+    started = true;
+
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        showTrayIcon(item, QStringLiteral("no D-Bus session bus"));
+        return;
+    }
+
+    auto* menu = new DBusMenu(*item.menu(), &item);
+    auto* notifierItem = new StatusNotifierItem(item, bus, QLatin1String(DBusMenu::objectPath), &item);
+    if (!menu->exportOn(bus) || !notifierItem->exportAndRegister()) {
+        showTrayIcon(item, QStringLiteral("the status item's D-Bus paths are taken"));
+        return;
+    }
+    QObject::connect(notifierItem, &StatusNotifierItem::menuRequested, &item,
+                     [&item](const QPoint& position) {
+                         popupMenu(item)->popup(position.isNull() ? QCursor::pos() : position);
+                     });
+    // A panel that comes later takes the item over from the tray icon.
+    QObject::connect(notifierItem, &StatusNotifierItem::registered, &item, [] { delete trayIcon; });
+    if (!notifierItem->hasWatcher())
+        showTrayIcon(item, QStringLiteral("no StatusNotifierWatcher on the session bus"));
+}
+
+} // namespace StatusItemExporter

@@ -1,0 +1,214 @@
+#include "StatusNotifierItem.h"
+
+#include "BadgeIcon.h"
+#include "Config.h"
+#include "PanelHost.h"
+#include "StatusItem.h"
+#include "StatusMenu.h"
+#include "StatusMenuItem.h"
+#include "app/AppState.h"
+#include "logging/Logger.h"
+
+#include <QCoreApplication>
+#include <QDBusConnectionInterface>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+// One size of 22 px or less and one up to 64 px is what hosts need; these cover the usual
+// panel heights without scaling.
+constexpr int iconSizes[] = {16, 22, 24, 32, 48};
+
+template <typename Reply, typename Handler>
+void whenAnswered(const QDBusPendingCall& call, QObject* context, Handler handler)
+{
+    auto* watcher = new QDBusPendingCallWatcher(call, context);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context, [watcher, handler] {
+        watcher->deleteLater();
+        handler(Reply(*watcher));
+    });
+}
+
+} // namespace
+
+StatusNotifierItem::StatusNotifierItem(StatusItem& item, const QDBusConnection& connection,
+                                       const QString& menuPath, QObject* parent)
+    : QObject(parent), m_item(item), m_connection(connection), m_menuPath(menuPath)
+{
+    StatusNotifierTypes::registerMetaTypes();
+    connect(&m_item, &StatusItem::titleChanged, this, &StatusNotifierItem::titleChanged);
+    connect(&m_item, &StatusItem::imagePathChanged, this, &StatusNotifierItem::updateIcon);
+    connect(&m_item, &StatusItem::toolTipChanged, this, [this] {
+        if (m_item.toolTip() == m_toolTipText)
+            return;
+        m_toolTipText = m_item.toolTip();
+        emit NewToolTip();
+    });
+    m_label = m_item.title();
+    m_toolTipText = m_item.toolTip();
+    updateIcon();
+}
+
+QString StatusNotifierItem::themeIconName()
+{
+    return QString::fromUtf8(Config::appId) + QStringLiteral("-muyu");
+}
+
+QString StatusNotifierItem::id() const
+{
+    return QString::fromUtf8(Config::appId);
+}
+
+QString StatusNotifierItem::title() const
+{
+    return QString::fromUtf8(Config::name);
+}
+
+QString StatusNotifierItem::iconThemePath() const
+{
+    // Installed beside the program (…/bin and …/share), or in the build tree: the panel finds
+    // the icon there when it is not in the system's icon theme.
+    const QString icons =
+        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/icons"));
+    if (QFile::exists(icons + QStringLiteral("/hicolor/scalable/status/") + themeIconName() +
+                      QStringLiteral(".svg")))
+        return icons;
+    return {};
+}
+
+SniToolTip StatusNotifierItem::toolTip() const
+{
+    SniToolTip tip;
+    tip.title = title();
+    tip.text = m_toolTipText;
+    return tip;
+}
+
+bool StatusNotifierItem::exportAndRegister()
+{
+    if (!m_connection.registerObject(QLatin1String(objectPath), this,
+                                     QDBusConnection::ExportScriptableContents |
+                                         QDBusConnection::ExportAllProperties))
+        return false;
+
+    m_watcher = new QDBusServiceWatcher(QLatin1String(watcherService), m_connection,
+                                        QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& newOwner) {
+                m_registered = false;
+                m_hasWatcher = !newOwner.isEmpty();
+                if (m_hasWatcher)
+                    watcherAppeared(newOwner);
+            });
+
+    const QDBusReply<QString> owner = m_connection.interface()->serviceOwner(QLatin1String(watcherService));
+    m_hasWatcher = owner.isValid() && !owner.value().isEmpty();
+    if (m_hasWatcher)
+        watcherAppeared(owner.value());
+    return true;
+}
+
+void StatusNotifierItem::watcherAppeared(const QString& owner)
+{
+    // Which panel is it? Asked first, so the icon suits the panel before it reads it.
+    const QDBusMessage question = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
+    QDBusMessage call = question;
+    call << owner;
+    whenAnswered<QDBusPendingReply<quint32>>(
+        m_connection.asyncCall(call), this, [this, owner](const QDBusPendingReply<quint32>& pid) {
+            const QString process = pid.isValid() ? PanelHost::processName(pid.value()) : QString();
+            m_hostDrawsLabel = PanelHost::drawsLabel(process);
+            updateIcon();
+            registerWith(owner);
+        });
+}
+
+void StatusNotifierItem::registerWith(const QString& owner)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(owner, QStringLiteral("/StatusNotifierWatcher"),
+                                                       QLatin1String(watcherService),
+                                                       QStringLiteral("RegisterStatusNotifierItem"));
+    call << m_connection.baseService();
+    whenAnswered<QDBusPendingReply<>>(
+        m_connection.asyncCall(call), this, [this](const QDBusPendingReply<>& reply) {
+            if (reply.isError()) {
+                if (!m_registrationErrorLogged)
+                    logger().info(QStringLiteral("the panel refused the status item: ") +
+                                  reply.error().message());
+                m_registrationErrorLogged = true;
+                return;
+            }
+            m_registered = true;
+            emit registered();
+        });
+}
+
+void StatusNotifierItem::titleChanged()
+{
+    updateIcon();
+    if (m_item.title() == m_label)
+        return;
+    m_label = m_item.title();
+    emit XAyatanaNewLabel(m_label, labelGuide());
+}
+
+void StatusNotifierItem::updateIcon()
+{
+    const QString svg = m_item.imagePath();
+    const bool hasImage = !svg.isEmpty() && QFile::exists(svg);
+    // Panels that draw the label show the countdown there; the others get it as a badge.
+    const QString badge = hasImage && !m_hostDrawsLabel ? BadgeIcon::badgeText(m_item.title()) : QString();
+    const QString key = !hasImage ? QString() : badge.isEmpty() ? QStringLiteral("plain") : badge;
+    if (key == m_iconKey && !(hasImage && m_iconPixmap.isEmpty()))
+        return;
+    m_iconKey = key;
+
+    m_iconPixmap.clear();
+    if (hasImage) {
+        for (int size : iconSizes) {
+            const QImage image = BadgeIcon::draw(svg, size, badge);
+            if (!image.isNull())
+                m_iconPixmap.append(SniIconPixmap::fromImage(image));
+        }
+    }
+    // A host prefers the name when there is one, so the badged icon goes without.
+    m_iconName = hasImage && badge.isEmpty() ? themeIconName() : QString();
+    emit NewIcon();
+}
+
+void StatusNotifierItem::Activate(int x, int y)
+{
+    emit menuRequested(QPoint(x, y));
+}
+
+void StatusNotifierItem::SecondaryActivate(int, int)
+{
+    // A middle click pauses or resumes, like the menu's pause entry.
+    if (StatusMenu* menu = m_item.menu()) {
+        if (StatusMenuItem* pause = menu->itemWithTag(AppState::pauseItemTag))
+            QMetaObject::invokeMethod(
+                pause, [pause] { pause->trigger(); }, Qt::QueuedConnection);
+    }
+}
+
+void StatusNotifierItem::ContextMenu(int x, int y)
+{
+    emit menuRequested(QPoint(x, y));
+}
+
+void StatusNotifierItem::Scroll(int, const QString&)
+{
+    // Scrolling over the item means nothing to a break reminder.
+}
+
+void StatusNotifierItem::ProvideXdgActivationToken(const QString& token)
+{
+    // Wayland compositors let the next window take the focus with this token.
+    qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+}

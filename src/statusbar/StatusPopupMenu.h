@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QMenu>
+
+class StatusMenu;
+
+// The status menu as a Qt menu, for the tray icon and for panels that ask the program to show
+// its menu itself. It follows the status menu's changes.
+class StatusPopupMenu : public QMenu {
+    Q_OBJECT
+
+public:
+    explicit StatusPopupMenu(StatusMenu& menu, QWidget* parent = nullptr);
+
+private:
+    void rebuild();
+
+    StatusMenu& m_menu;
+};

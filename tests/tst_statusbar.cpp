@@ -1,0 +1,776 @@
+#include "support/ManualTickSource.h"
+#include "support/StandInWatcher.h"
+#include "support/TestMain.h"
+
+#include "app/AppDelegate.h"
+#include "app/AppState.h"
+#include "break/PromptState.h"
+#include "logging/Logger.h"
+#include "preferences/PrefState.h"
+#include "statusbar/AboutDialog.h"
+#include "statusbar/AppInfo.h"
+#include "statusbar/BadgeIcon.h"
+#include "statusbar/DBusMenu.h"
+#include "statusbar/DBusMenuTypes.h"
+#include "statusbar/Feedback.h"
+#include "statusbar/PanelHost.h"
+#include "statusbar/StatusBarController.h"
+#include "statusbar/StatusItem.h"
+#include "statusbar/StatusNotifierItem.h"
+#include "statusbar/StatusNotifierTypes.h"
+#include "statusbar/StatusPopupMenu.h"
+#include "statusbar/TrayIcon.h"
+#include "timer/TicktackController.h"
+#include "timer/TicktackState.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+#include <QDBusReply>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QLabel>
+#include <QProcess>
+#include <QSystemTrayIcon>
+#include <QTemporaryDir>
+
+namespace {
+
+const QString itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
+const QString menuInterface = QStringLiteral("com.canonical.dbusmenu");
+const QString itemPath = QStringLiteral("/StatusNotifierItem");
+const QString menuPath = QStringLiteral("/MenuBar");
+
+// Collects the signals the panel receives from an item.
+class SignalRecorder : public QObject {
+    Q_OBJECT
+
+public:
+    QList<QDBusMessage> messages;
+
+    int count(const QString& member) const
+    {
+        return int(std::count_if(messages.begin(), messages.end(),
+                                 [&](const QDBusMessage& m) { return m.member() == member; }));
+    }
+    QDBusMessage last(const QString& member) const
+    {
+        for (auto it = messages.rbegin(); it != messages.rend(); ++it) {
+            if (it->member() == member)
+                return *it;
+        }
+        return {};
+    }
+
+public slots:
+    void record(const QDBusMessage& message) { messages.append(message); }
+};
+
+// The child program that stands in for GNOME Shell: a process named "gnome-shell" that owns the
+// watcher name, as the AppIndicator extension's does.
+int watcherChild(const QByteArray& mode)
+{
+    if (mode != "watcher")
+        return 2;
+    StandInWatcher watcher(QDBusConnection::sessionBus());
+    if (!watcher.start())
+        return 3;
+    QObject::connect(&watcher, &StandInWatcher::itemRegistered, [](const QString& sender) {
+        std::printf("registered %s\n", qPrintable(sender));
+        std::fflush(stdout);
+    });
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+class StatusBarTest : public QObject {
+    Q_OBJECT
+
+    ManualTickSource* ticks = nullptr;
+    QDBusConnection panel =
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("panel"));
+    StandInWatcher* watcher = nullptr;
+    SignalRecorder* recorder = nullptr;
+    QTemporaryDir tools; // stand-ins for xdg-email and xdg-open
+    QByteArray originalPath = qgetenv("PATH");
+
+    static StatusItem& item() { return StatusBarController::item(); }
+    static QString itemService() { return QDBusConnection::sessionBus().baseService(); }
+
+    // Calls the item as a panel does, over the bus, without blocking the item (it lives in
+    // this thread).
+    QDBusMessage call(const QString& service, const QString& path, const QString& interface,
+                      const QString& method, const QVariantList& arguments = {})
+    {
+        QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
+        message.setArguments(arguments);
+        QDBusPendingCall pending = panel.asyncCall(message, 5000);
+        QDBusPendingCallWatcher done(pending);
+        QEventLoop loop;
+        connect(&done, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+        if (!pending.isFinished())
+            loop.exec();
+        return pending.reply();
+    }
+
+    QDBusMessage callItem(const QString& method, const QVariantList& arguments = {})
+    {
+        return call(itemService(), itemPath, itemInterface, method, arguments);
+    }
+    QDBusMessage callMenu(const QString& method, const QVariantList& arguments = {})
+    {
+        return call(itemService(), menuPath, menuInterface, method, arguments);
+    }
+
+    QVariant property(const QString& name, const QString& service = QString())
+    {
+        const QDBusMessage reply = call(service.isEmpty() ? itemService() : service, itemPath,
+                                        QStringLiteral("org.freedesktop.DBus.Properties"),
+                                        QStringLiteral("Get"), {itemInterface, name});
+        if (reply.type() != QDBusMessage::ReplyMessage)
+            return {};
+        return reply.arguments().value(0).value<QDBusVariant>().variant();
+    }
+
+    QString label() { return property(QStringLiteral("XAyatanaLabel")).toString(); }
+
+    SniIconPixmapList pixmaps()
+    {
+        return qdbus_cast<SniIconPixmapList>(property(QStringLiteral("IconPixmap")).value<QDBusArgument>());
+    }
+
+    DBusMenuLayoutItem layout()
+    {
+        const QDBusMessage reply = callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()});
+        return qdbus_cast<DBusMenuLayoutItem>(reply.arguments().value(1).value<QDBusArgument>());
+    }
+
+    QVariantMap entry(int id)
+    {
+        for (const DBusMenuLayoutItem& child : layout().children) {
+            if (child.id == id)
+                return child.properties;
+        }
+        return {};
+    }
+
+    void click(int id)
+    {
+        const QDBusMessage reply =
+            callMenu(QStringLiteral("Event"),
+                     {id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(QString())), 0u});
+        QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+    }
+
+    void listen(const QString& service, const QString& path, const QString& interface, const QString& signal)
+    {
+        QVERIFY(panel.connect(service, path, interface, signal, recorder, SLOT(record(QDBusMessage))));
+    }
+
+    // A fresh work period of full length (25:00) with the countdown at the start.
+    void restartWork()
+    {
+        AppState::setManualPause(false);
+        QCoreApplication::processEvents();
+        // Signals the item sent before this answer reach the panel before it.
+        callMenu(QStringLiteral("AboutToShow"), {0});
+        recorder->messages.clear();
+    }
+
+    static QList<AboutDialog*> aboutDialogs()
+    {
+        QList<AboutDialog*> dialogs;
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (auto* dialog = qobject_cast<AboutDialog*>(widget))
+                dialogs << dialog;
+        }
+        return dialogs;
+    }
+
+    static int logCount(const QString& text) { return int(TestSupport::logText().count(text)); }
+
+    QString writeTool(const QString& name, const QString& record)
+    {
+        const QString path = tools.filePath(name);
+        QFile script(path);
+        script.open(QIODevice::WriteOnly);
+        script.write(QStringLiteral("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\0' \"$a\"; done > '%1'\n")
+                         .arg(tools.filePath(record))
+                         .toUtf8());
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return tools.filePath(record);
+    }
+
+    QStringList recordedArguments(const QString& record)
+    {
+        QFile file(record);
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        QStringList arguments = QString::fromUtf8(file.readAll()).split(QChar(0));
+        arguments.removeLast();
+        return arguments;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        DBusMenuTypes::registerMetaTypes();
+        StatusNotifierTypes::registerMetaTypes();
+        QVERIFY(panel.isConnected());
+        recorder = new SignalRecorder;
+        ticks = new ManualTickSource;
+        TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
+        // No panel yet: the program starts before the desktop's panel, as it can at login.
+        AppDelegate delegate;
+        delegate.applicationDidFinishLaunching();
+    }
+
+    void withoutAWatcherTheItemIsATrayIconWithTheSameMenuAndSaysSoOnce()
+    {
+        QCOMPARE(logCount("no StatusNotifierWatcher on the session bus: the panel shows a tray icon without "
+                          "the countdown"),
+                 1);
+        auto* tray = item().findChild<TrayIcon*>();
+        QVERIFY(tray);
+        auto* menu = qobject_cast<StatusPopupMenu*>(tray->trayIcon()->contextMenu());
+        QVERIFY(menu);
+        QStringList texts;
+        for (QAction* action : menu->actions())
+            texts << (action->isSeparator() ? "---" : action->text());
+        QCOMPARE(texts, QStringList({"Lulltide - v1.0.0(1)", "---", "- Stop -", "Settings...", "---",
+                                     "Check for Updates...", "Feedback...", "About...", "Quit"}));
+        QCOMPARE(menu->actions().at(2)->shortcut(), QKeySequence("Ctrl+P"));
+        QCOMPARE(menu->actions().at(3)->shortcut(), QKeySequence("Ctrl+,"));
+        QVERIFY(!menu->actions().at(0)->isEnabled());
+        QVERIFY(menu->actions().at(8)->isEnabled());
+    }
+
+    void trayIconToolTipFollowsTheCountdown()
+    {
+        auto* tray = item().findChild<TrayIcon*>();
+        QVERIFY(tray);
+        QCOMPARE(tray->trayIcon()->toolTip(), "Lulltide\n25:00");
+        QVERIFY(!tray->trayIcon()->icon().isNull());
+        ticks->tick();
+        QCOMPARE(tray->trayIcon()->toolTip(), "Lulltide\n24:59");
+    }
+
+    void trayMenuPauseEntryFollowsThePause()
+    {
+        auto* menu = qobject_cast<StatusPopupMenu*>(item().findChild<TrayIcon*>()->trayIcon()->contextMenu());
+        menu->actions().at(2)->trigger();
+        QTRY_VERIFY(AppState::manualPause());
+        QCOMPARE(menu->actions().at(2)->text(), "- Wrok -");
+        menu->actions().at(2)->trigger();
+        QTRY_VERIFY(!AppState::manualPause());
+        QCOMPARE(menu->actions().at(2)->text(), "- Stop -");
+    }
+
+    void aPanelThatAppearsLaterTakesTheItemFromTheTrayIcon()
+    {
+        watcher = new StandInWatcher(panel);
+        QVERIFY(watcher->start());
+        QTRY_COMPARE(watcher->registeredItems(), QStringList{itemService() + "/StatusNotifierItem"});
+        QTRY_VERIFY(!item().findChild<TrayIcon*>());
+        listen(itemService(), itemPath, itemInterface, QString());
+        listen(itemService(), menuPath, menuInterface, QString());
+    }
+
+    void itemOffersEveryPropertyPanelsRead()
+    {
+        const QDBusMessage reply =
+            call(itemService(), itemPath, "org.freedesktop.DBus.Properties", "GetAll", {itemInterface});
+        QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+        const QVariantMap all = qdbus_cast<QVariantMap>(reply.arguments().value(0).value<QDBusArgument>());
+        for (const char* name :
+             {"Category", "Id", "Title", "Status", "WindowId", "IconThemePath", "IconName", "IconPixmap",
+              "OverlayIconName", "OverlayIconPixmap", "AttentionIconName", "AttentionIconPixmap",
+              "AttentionMovieName", "ToolTip", "ItemIsMenu", "Menu", "XAyatanaLabel", "XAyatanaLabelGuide"})
+            QVERIFY2(all.contains(name), name);
+        QCOMPARE(all.value("Id").toString(), "org.lulltide.Lulltide");
+        QCOMPARE(all.value("Category").toString(), "ApplicationStatus");
+        QCOMPARE(all.value("Status").toString(), "Active");
+        QCOMPARE(all.value("Title").toString(), "Lulltide");
+        QCOMPARE(all.value("ItemIsMenu").toBool(), true);
+        QCOMPARE(all.value("Menu").value<QDBusObjectPath>().path(), menuPath);
+        QCOMPARE(all.value("XAyatanaLabelGuide").toString(), "00:00");
+        // The menu the item names answers on its path.
+        QCOMPARE(call(itemService(), menuPath, "org.freedesktop.DBus.Properties", "Get",
+                      {menuInterface, "Version"})
+                     .type(),
+                 QDBusMessage::ReplyMessage);
+    }
+
+    void labelIsTheCountdownAndChangesOncePerSecond()
+    {
+        restartWork();
+        QCOMPARE(label(), "25:00");
+        ticks->tick();
+        QTRY_COMPARE(recorder->count("XAyatanaNewLabel"), 1);
+        QCOMPARE(recorder->last("XAyatanaNewLabel").arguments(), QVariantList({"24:59", "00:00"}));
+        QCOMPARE(label(), "24:59");
+        ticks->tick();
+        QTRY_COMPARE(recorder->count("XAyatanaNewLabel"), 2);
+        QCOMPARE(label(), "24:58");
+    }
+
+    void toolTipCarriesTheNameAndTheCountdown()
+    {
+        restartWork();
+        ticks->tick();
+        QTRY_VERIFY(recorder->count("NewToolTip") >= 1);
+        const SniToolTip tip = qdbus_cast<SniToolTip>(property("ToolTip").value<QDBusArgument>());
+        QCOMPARE(tip.title, "Lulltide");
+        QCOMPARE(tip.text, "24:59");
+    }
+
+    void onAPanelWithoutLabelsTheIconCarriesTheMinutesAsABadge()
+    {
+        restartWork();
+        QCOMPARE(property("IconName").toString(), QString()); // so the host draws the pixmaps
+        const SniIconPixmapList images = pixmaps();
+        QList<int> sizes;
+        for (const SniIconPixmap& image : images) {
+            QCOMPARE(image.width, image.height);
+            QCOMPARE(image.bytes.size(), image.width * image.height * 4);
+            sizes << image.width;
+        }
+        QCOMPARE(sizes, QList<int>({16, 22, 24, 32, 48}));
+        // What the panel gets is the badged "25", not the plain image.
+        const QImage badged = BadgeIcon::draw(item().imagePath(), 16, "25");
+        const QImage plain = BadgeIcon::draw(item().imagePath(), 16, {});
+        QCOMPARE(images.first().bytes, SniIconPixmap::fromImage(badged).bytes);
+        QVERIFY(images.first().bytes != SniIconPixmap::fromImage(plain).bytes);
+    }
+
+    void badgeIsRedrawnWhenTheWholeMinutesChangeAndNotInBetween()
+    {
+        restartWork(); // 25:00
+        const QByteArray at25 = pixmaps().first().bytes;
+        ticks->tick(); // 24:59
+        QTRY_COMPARE(recorder->count("NewIcon"), 1);
+        const QByteArray at24 = pixmaps().first().bytes;
+        QVERIFY(at24 != at25);
+        ticks->tick(59); // 24:00
+        QTest::qWait(50);
+        QCOMPARE(recorder->count("NewIcon"), 1);
+        QCOMPARE(pixmaps().first().bytes, at24);
+        ticks->tick(); // 23:59
+        QTRY_COMPARE(recorder->count("NewIcon"), 2);
+        QVERIFY(pixmaps().first().bytes != at24);
+    }
+
+    void badgeTextIsTheWholeMinutesLeft_data()
+    {
+        QTest::addColumn<QString>("countdown");
+        QTest::addColumn<QString>("badge");
+        QTest::newRow("full period") << "25:00"
+                                     << "25";
+        QTest::newRow("one second in") << "24:59"
+                                       << "24";
+        QTest::newRow("last minute") << "00:59"
+                                     << "0";
+        QTest::newRow("one hour") << "0100:00"
+                                  << "60";
+        QTest::newRow("99 minutes") << "0139:59"
+                                    << "99";
+        QTest::newRow("whole hours from 100 minutes") << "0140:00"
+                                                      << "1h";
+        QTest::newRow("two and a half hours") << "0230:00"
+                                              << "2h";
+        QTest::newRow("no countdown") << ""
+                                      << "";
+    }
+    void badgeTextIsTheWholeMinutesLeft()
+    {
+        QFETCH(QString, countdown);
+        QFETCH(QString, badge);
+        QCOMPARE(BadgeIcon::badgeText(countdown), badge);
+    }
+
+    void withShowTimeOffTheItemShowsThePlainIconAndNoLabelWhateverTheCountdownDoes()
+    {
+        restartWork();
+        AppState::prefState().setShowTime(false);
+        QTRY_COMPARE(label(), QString());
+        QCOMPARE(property("IconName").toString(), "org.lulltide.Lulltide-muyu");
+        const QImage plain = BadgeIcon::draw(item().imagePath(), 16, {});
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(plain).bytes);
+        const int icons = recorder->count("NewIcon");
+        ticks->tick(61);
+        QTest::qWait(50);
+        QCOMPARE(label(), QString());
+        QCOMPARE(recorder->count("NewIcon"), icons);
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(plain).bytes);
+    }
+
+    void switchingShowTimeOnShowsTheCurrentCountdownAtOnce()
+    {
+        AppState::prefState().setShowTime(true); // 23:59 after the ticks above
+        QCOMPARE(label(), "23:59");
+        QCOMPARE(property("IconName").toString(), QString());
+        QTRY_VERIFY(recorder->count("XAyatanaNewLabel") >= 1);
+        QCOMPARE(recorder->last("XAyatanaNewLabel").arguments().value(0).toString(), "23:59");
+    }
+
+    void whenTheWorkPeriodEndsTheLabelEmptiesEvenWithShowTimeOnAndTheBreakStarts()
+    {
+        AppState::prefState().setWorkTimeString("0.05"); // three seconds
+        restartWork();
+        QCOMPARE(label(), "00:03");
+        ticks->tick(3);
+        QCOMPARE(AppState::workState().timesUp(), true);
+        QCOMPARE(label(), QString());
+        QCOMPARE(property("IconName").toString(),
+                 "org.lulltide.Lulltide-muyu");                 // no badge without a countdown
+        QCOMPARE(AppState::breakState().timeString(), "05:00"); // the break screen counts down
+    }
+
+    void switchingShowTimeOnAfterThePeriodEndedKeepsTheLabelEmpty()
+    {
+        AppState::prefState().setShowTime(false);
+        AppState::prefState().setShowTime(true);
+        QCOMPARE(label(), QString());
+        AppState::promptState().skip();
+        AppState::prefState().setWorkTimeString("25");
+        restartWork();
+        QCOMPARE(label(), "25:00");
+    }
+
+    void aMissingImageLeavesAnItemWithItsTitleOnly()
+    {
+        const QString image = item().imagePath();
+        QCOMPARE(image, ":/icons/muyu.svg");
+        item().setImagePath(QString());
+        QCOMPARE(property("IconName").toString(), QString());
+        QVERIFY(pixmaps().isEmpty());
+        QCOMPARE(label(), "25:00");
+        item().setImagePath(image);
+        QCOMPARE(pixmaps().size(), 5);
+    }
+
+    void menuLayoutHoldsTheNineEntriesInOrder()
+    {
+        const DBusMenuLayoutItem root = layout();
+        QCOMPARE(root.id, 0);
+        QCOMPARE(root.properties.value("children-display").toString(), "submenu");
+        QStringList labels;
+        for (const DBusMenuLayoutItem& child : root.children) {
+            QVERIFY(child.children.isEmpty());
+            labels << (child.properties.value("type").toString() == "separator"
+                           ? "---"
+                           : child.properties.value("label").toString());
+        }
+        QCOMPARE(labels, QStringList({"Lulltide - v1.0.0(1)", "---", "- Stop -", "Settings...", "---",
+                                      "Check for Updates...", "Feedback...", "About...", "Quit"}));
+    }
+
+    void menuEntriesCarryIconsShortcutsAndSymbolNames_data()
+    {
+        QTest::addColumn<int>("id");
+        QTest::addColumn<QString>("icon");
+        QTest::addColumn<QString>("symbol");
+        QTest::addColumn<QString>("key");
+        QTest::newRow("pause") << 3 << "media-playback-stop"
+                               << "stop.circle"
+                               << "p";
+        QTest::newRow("settings") << 4 << "preferences-system"
+                                  << "gearshape.circle"
+                                  << "comma";
+        QTest::newRow("updates") << 6 << "system-software-update"
+                                 << "arrow.counterclockwise.icloud"
+                                 << "";
+        QTest::newRow("feedback") << 7 << "mail-send"
+                                  << "mail.stack"
+                                  << "";
+        QTest::newRow("about") << 8 << "help-about"
+                               << "info.circle"
+                               << "";
+        QTest::newRow("quit") << 9 << "application-exit"
+                              << "escape"
+                              << "q";
+    }
+    void menuEntriesCarryIconsShortcutsAndSymbolNames()
+    {
+        QFETCH(int, id);
+        QFETCH(QString, icon);
+        QFETCH(QString, symbol);
+        QFETCH(QString, key);
+        const QVariantMap properties = entry(id);
+        QCOMPARE(properties.value("icon-name").toString(), icon);
+        QCOMPARE(properties.value("accessible-desc").toString(), symbol);
+        if (key.isEmpty()) {
+            QVERIFY(!properties.contains("shortcut"));
+        } else {
+            const auto shortcut =
+                qdbus_cast<DBusMenuShortcut>(properties.value("shortcut").value<QDBusArgument>());
+            QCOMPARE(shortcut, DBusMenuShortcut({QStringList{"Control", key}}));
+        }
+    }
+
+    void onlyTheHeaderIsDisabled()
+    {
+        for (const DBusMenuLayoutItem& child : layout().children) {
+            if (child.properties.value("type").toString() == "separator")
+                continue;
+            QCOMPARE(child.properties.value("enabled").toBool(), child.id != 1);
+        }
+    }
+
+    void entriesAreReadableOneByOneAndInGroups()
+    {
+        const QDBusMessage one = callMenu("GetProperty", {4, QString("label")});
+        QCOMPARE(one.arguments().value(0).value<QDBusVariant>().variant().toString(), "Settings...");
+        const QDBusMessage group =
+            callMenu("GetGroupProperties", {QVariant::fromValue(QList<int>{3, 9}), QStringList{"label"}});
+        const auto entries =
+            qdbus_cast<DBusMenuItemPropertiesList>(group.arguments().value(0).value<QDBusArgument>());
+        QCOMPARE(entries.size(), 2);
+        QCOMPARE(entries.at(0).properties, QVariantMap({{"label", "- Stop -"}}));
+        QCOMPARE(entries.at(1).properties, QVariantMap({{"label", "Quit"}}));
+        QCOMPARE(callMenu("AboutToShow", {0}).arguments().value(0).toBool(), false);
+    }
+
+    void unknownEntriesAreRefused()
+    {
+        QCOMPARE(callMenu("GetLayout", {42, -1, QStringList()}).errorName(),
+                 "com.canonical.dbusmenu.Error.UnknownId");
+        QCOMPARE(
+            callMenu("Event", {42, QString("clicked"), QVariant::fromValue(QDBusVariant(0)), 0u}).errorName(),
+            "com.canonical.dbusmenu.Error.UnknownId");
+    }
+
+    void clickingThePauseEntryRetitlesItToWrokAndBack()
+    {
+        restartWork();
+        click(3);
+        QTRY_VERIFY(AppState::manualPause());
+        QVERIFY(!ticks->running());
+        QTRY_COMPARE(recorder->count("ItemsPropertiesUpdated"), 1); // title and image in one signal
+        auto updated = qdbus_cast<DBusMenuItemPropertiesList>(
+            recorder->last("ItemsPropertiesUpdated").arguments().value(0).value<QDBusArgument>());
+        QCOMPARE(updated.size(), 1);
+        QCOMPARE(updated.at(0).id, 3);
+        QCOMPARE(updated.at(0).properties.value("label").toString(), "- Wrok -");
+        QCOMPARE(updated.at(0).properties.value("icon-name").toString(), "media-playback-start");
+        QCOMPARE(updated.at(0).properties.value("accessible-desc").toString(), "play.circle");
+        QCOMPARE(entry(3).value("label").toString(), "- Wrok -");
+
+        click(3);
+        QTRY_VERIFY(!AppState::manualPause());
+        QTRY_COMPARE(recorder->count("ItemsPropertiesUpdated"), 2);
+        updated = qdbus_cast<DBusMenuItemPropertiesList>(
+            recorder->last("ItemsPropertiesUpdated").arguments().value(0).value<QDBusArgument>());
+        QCOMPARE(updated.at(0).properties.value("label").toString(), "- Stop -");
+        QVERIFY(ticks->running());
+        QCOMPARE(label(), "25:00");
+    }
+
+    void aClickReturnsAtOnceAndItsActionRunsAfterwards()
+    {
+        restartWork();
+        auto* menu = item().findChild<DBusMenu*>();
+        QVERIFY(menu);
+        menu->Event(3, "clicked", QDBusVariant(QString()), 0);
+        QCOMPARE(AppState::manualPause(), false); // not yet: the panel has its answer first
+        QTRY_COMPARE(AppState::manualPause(), true);
+        AppState::setManualPause(false);
+    }
+
+    void theMiddleButtonPausesAndResumes()
+    {
+        restartWork();
+        QCOMPARE(callItem("SecondaryActivate", {0, 0}).type(), QDBusMessage::ReplyMessage);
+        QTRY_VERIFY(AppState::manualPause());
+        callItem("SecondaryActivate", {0, 0});
+        QTRY_VERIFY(!AppState::manualPause());
+    }
+
+    void aPanelThatAsksForTheMenuGetsItAtThePointer()
+    {
+        QCOMPARE(callItem("ContextMenu", {200, 150}).type(), QDBusMessage::ReplyMessage);
+        StatusPopupMenu* popup = nullptr;
+        QTRY_VERIFY((popup = qobject_cast<StatusPopupMenu*>(QApplication::activePopupWidget())));
+        QCOMPARE(popup->actions().size(), 9);
+        QCOMPARE(popup->actions().at(2)->text(), "- Stop -");
+        popup->close();
+        QCOMPARE(callItem("Scroll", {120, QString("vertical")}).type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(AppState::manualPause(), false);
+    }
+
+    void settingsAndUpdateEntriesSayOnceThatTheyAreNotThereYet()
+    {
+        const int settings = logCount("the settings window is not part of this version yet");
+        const int updates = logCount("update checks are not part of this version yet");
+        click(4);
+        click(6);
+        QTRY_COMPARE(logCount("the settings window is not part of this version yet"), settings + 1);
+        QTRY_COMPARE(logCount("update checks are not part of this version yet"), updates + 1);
+    }
+
+    void feedbackHandsSubjectBodyTodaysLogAndTheAddressToXdgEmail()
+    {
+        const QString record = writeTool("xdg-email", "xdg-email.args");
+        qputenv("PATH", tools.path().toUtf8() + ":" + originalPath);
+        click(7);
+        QTRY_VERIFY(QFile::exists(record));
+        QTRY_COMPARE(recordedArguments(record).size(), 7);
+        const QString body =
+            "Please use Chinese or English in your mail, if you can.\n\n\n\n\n\n\n\nApp version: v1.0.0(1)"
+            "\ndevice model: " +
+            AppInfo::model() + "\nsystem version: " + AppInfo::osVersion() + "\n";
+        QCOMPARE(recordedArguments(record),
+                 QStringList({"--subject", "Lulltide Feedback", "--body", body, "--attach",
+                              *Logger::logfilePath(), "feedback@lulltide.org"}));
+        QVERIFY(QFile::exists(*Logger::logfilePath()));
+        qputenv("PATH", originalPath);
+    }
+
+    void withoutXdgEmailFeedbackDoesNothingAtAll()
+    {
+        const QString record = writeTool("xdg-email-elsewhere", "nothing.args");
+        const QString logBefore = TestSupport::logText();
+        qputenv("PATH", QDir::tempPath().toUtf8() + "/no-such-folder");
+        Feedback::compose();
+        click(7);
+        QTest::qWait(300);
+        qputenv("PATH", originalPath);
+        QVERIFY(!QFile::exists(record));
+        QCOMPARE(TestSupport::logText(), logBefore);
+    }
+
+    void aboutShowsIconNameVersionReleaseNotesAndCopyrightInOneDialog()
+    {
+        click(8);
+        QTRY_COMPARE(aboutDialogs().size(), 1);
+        AboutDialog* dialog = aboutDialogs().first();
+        QVERIFY(QTest::qWaitForWindowExposed(dialog));
+        QCOMPARE(dialog->findChild<QLabel*>("aboutName")->text(), "Lulltide");
+        QCOMPARE(dialog->findChild<QLabel*>("aboutVersion")->text(), "Version 1.0.0 (1)");
+        QVERIFY(!dialog->findChild<QLabel*>("aboutIcon")->pixmap().isNull());
+        auto* notes = dialog->findChild<QLabel*>("aboutReleaseNotes");
+        QCOMPARE(notes->text(), "<a href=\"https://lulltide.org/release_note/\">Release Notes</a>");
+        QVERIFY(notes->font().bold());
+        QVERIFY(notes->font().pointSizeF() < dialog->font().pointSizeF());
+        QCOMPARE(dialog->findChild<QLabel*>("aboutCopyright")->text(), AppInfo::copyright());
+
+        // Asked again it comes to the front; no second dialog.
+        dialog->showMinimized();
+        click(8);
+        QTRY_VERIFY(dialog->isVisible() && !dialog->isMinimized());
+        QCOMPARE(aboutDialogs().size(), 1);
+    }
+
+    void releaseNotesLinkOpensTheBrowser()
+    {
+        const QString record = writeTool("xdg-open", "xdg-open.args");
+        qputenv("PATH", tools.path().toUtf8() + ":" + originalPath);
+        AboutDialog* dialog = AboutDialog::showShared();
+        QVERIFY(QTest::qWaitForWindowExposed(dialog));
+        auto* notes = dialog->findChild<QLabel*>("aboutReleaseNotes");
+        QTest::mouseClick(notes, Qt::LeftButton, {}, notes->rect().center());
+        QTRY_COMPARE(recordedArguments(record), QStringList{"https://lulltide.org/release_note/"});
+        qputenv("PATH", originalPath);
+        dialog->close();
+    }
+
+    void itemRegistersAgainWhenThePanelRestarts()
+    {
+        watcher->stop();
+        QVERIFY(watcher->registeredItems().isEmpty());
+        QVERIFY(watcher->start());
+        QTRY_COMPARE(watcher->registeredItems(), QStringList{itemService() + "/StatusNotifierItem"});
+    }
+
+    void aPanelThatDrawsTheLabelGetsThePlainIcon()
+    {
+        restartWork();
+        QCOMPARE(property("IconName").toString(), QString()); // badge for this panel
+        watcher->stop();
+
+        // A watcher process named as GNOME Shell is.
+        const QString shell = tools.filePath("gnome-shell");
+        QVERIFY(QFile::link(QCoreApplication::applicationFilePath(), shell));
+        QProcess gnomeShell;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LULLTIDE_TEST_CHILD", "watcher");
+        gnomeShell.setProcessEnvironment(environment);
+        gnomeShell.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        gnomeShell.start(shell, {});
+        QVERIFY(gnomeShell.waitForStarted());
+        QByteArray output;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (output += gnomeShell.readAllStandardOutput()).contains("registered " + itemService().toUtf8()),
+            10000);
+        QCOMPARE(PanelHost::processName(quint32(gnomeShell.processId())), "gnome-shell");
+        QTRY_COMPARE(property("IconName").toString(), "org.lulltide.Lulltide-muyu");
+        QCOMPARE(label(), "25:00");
+        const QImage plain = BadgeIcon::draw(item().imagePath(), 16, {});
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(plain).bytes);
+
+        gnomeShell.terminate();
+        QVERIFY(gnomeShell.waitForFinished(5000));
+        QVERIFY(watcher->start());
+        QTRY_COMPARE(watcher->registeredItems().size(), 1);
+        QTRY_COMPARE(property("IconName").toString(), QString()); // the badge is back
+    }
+
+    void knownLabelPanelsAreFewAndNamedByTheirWatcherProcess()
+    {
+        QVERIFY(PanelHost::drawsLabel("gnome-shell"));
+        QVERIFY(PanelHost::drawsLabel("indicator-appli"));
+        QVERIFY(PanelHost::drawsLabel("ayatana-indicat"));
+        QVERIFY(!PanelHost::drawsLabel("plasmashell"));
+        QVERIFY(!PanelHost::drawsLabel("xfce4-panel"));
+        QVERIFY(!PanelHost::drawsLabel("waybar"));
+        QVERIFY(!PanelHost::drawsLabel(""));
+    }
+
+    void pixmapsAreStraightArgbInNetworkByteOrder()
+    {
+        QImage image(1, 1, QImage::Format_ARGB32);
+        image.setPixel(0, 0, qRgba(0x11, 0x22, 0x33, 0x80));
+        QCOMPARE(SniIconPixmap::fromImage(image).bytes, QByteArray("\x80\x11\x22\x33", 4));
+    }
+
+    void theRunningProgramShowsBothInterfacesCountsDownAndItsQuitEntryEndsIt()
+    {
+        QTemporaryDir home;
+        watcher->clear();
+        QProcess app;
+        app.setProcessEnvironment(TestSupport::environmentWithHome(home.path()));
+        app.start(LULLTIDE_BINARY, {});
+        QVERIFY(app.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(!watcher->senders().isEmpty(), 10000);
+        const QString service = watcher->senders().first();
+
+        for (const auto& [path, interface] :
+             {std::pair{itemPath, itemInterface}, std::pair{menuPath, menuInterface}}) {
+            QProcess introspect;
+            introspect.start("gdbus", {"introspect", "--session", "--dest", service, "--object-path", path});
+            QVERIFY(introspect.waitForFinished(10000));
+            QVERIFY2(introspect.readAllStandardOutput().contains("interface " + interface.toUtf8() + " {"),
+                     qPrintable(interface));
+        }
+
+        // The real one-second timer moves the label.
+        const QString first = property("XAyatanaLabel", service).toString();
+        QVERIFY(first == "25:00" || first == "24:59");
+        QTRY_VERIFY_WITH_TIMEOUT(property("XAyatanaLabel", service).toString() < first, 3000);
+
+        const QDBusMessage reply = call(service, menuPath, menuInterface, "Event",
+                                        {9, QString("clicked"), QVariant::fromValue(QDBusVariant(0)), 0u});
+        QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+        QVERIFY(app.waitForFinished(5000));
+        QCOMPARE(app.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(app.exitCode(), 0);
+    }
+};
+
+LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(StatusBarTest, watcherChild)
+
+#include "tst_statusbar.moc"
