@@ -36,21 +36,22 @@ QImage draw(const QString& svgPath, int size, const QString& badge)
     renderer.render(&painter, QRectF(0, 0, size, size));
 
     if (!badge.isEmpty()) {
-        // A saturated pill with a light rim and white digits reads on light and dark panels.
-        const qreal height = std::round(size * 0.62);
+        // A deep blue pill with a light rim and white digits reads on light and dark panels and
+        // stands apart from the wood.
+        const qreal height = std::round(size * 0.68);
         QFont font;
         font.setBold(true);
-        font.setPixelSize(int(std::round(height * 0.86)));
+        font.setPixelSize(int(std::round(height * 0.9)));
         font.setHintingPreference(QFont::PreferFullHinting);
         const qreal textWidth = QFontMetricsF(font).horizontalAdvance(badge);
-        const qreal width = std::min<qreal>(size, std::max(height, textWidth + height * 0.4));
+        const qreal width = std::min<qreal>(size, std::max(height, textWidth + height * 0.3));
         const QRectF pill(size - width, size - height, width, height);
         const qreal rim = std::max(1.0, size / 24.0);
 
         QPainterPath path;
         path.addRoundedRect(pill.adjusted(rim / 2, rim / 2, -rim / 2, -rim / 2), height / 2, height / 2);
         painter.setPen(QPen(QColor(255, 255, 255, 230), rim));
-        painter.setBrush(QColor(0xC2, 0x41, 0x0C));
+        painter.setBrush(QColor(0x17, 0x50, 0x6E));
         painter.drawPath(path);
 
         painter.setFont(font);
