@@ -2,6 +2,7 @@
 
 #include "AppState.h"
 #include "break/WindowController.h"
+#include "events/SystemEventController.h"
 #include "logging/Logger.h"
 #include "statusbar/StatusBarController.h"
 
@@ -15,6 +16,7 @@ void AppDelegate::applicationDidFinishLaunching()
     AppState::setWorking(true);
     WindowController::setup();
     StatusBarController::item();
+    SystemEventController::setup();
     logger().info(QStringLiteral("sandbox home path: ") + QDir::homePath());
 }
 

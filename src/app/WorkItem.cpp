@@ -28,8 +28,28 @@ void WorkItem::cancel()
     m_selfWhileScheduled.reset(); // may destroy this item: nothing may follow
 }
 
+std::chrono::milliseconds WorkItem::remaining() const
+{
+    if (!m_timer)
+        return std::chrono::milliseconds(0);
+    const auto now = std::chrono::steady_clock::now();
+    const auto postponed = m_notBefore > now ? std::chrono::ceil<std::chrono::milliseconds>(m_notBefore - now)
+                                             : std::chrono::milliseconds(0);
+    return std::max(m_timer->remainingTimeAsDuration(), postponed);
+}
+
+void WorkItem::postpone(std::chrono::milliseconds delay)
+{
+    m_notBefore = std::chrono::steady_clock::now() + delay;
+}
+
 void WorkItem::perform()
 {
+    const auto now = std::chrono::steady_clock::now();
+    if (!m_cancelled && m_timer && now < m_notBefore) {
+        m_timer->start(std::chrono::ceil<std::chrono::milliseconds>(m_notBefore - now));
+        return;
+    }
     auto keepAlive = std::move(m_selfWhileScheduled);
     releaseTimer();
     if (m_cancelled)

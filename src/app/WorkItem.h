@@ -15,8 +15,13 @@ public:
     ~WorkItem();
 
     void cancel();
+    // Moves the moment the item runs to no earlier than `delay` from now. It only notes the time,
+    // so it is cheap enough for every pointer event: a timer that fires early waits out the rest.
+    void postpone(std::chrono::milliseconds delay);
     bool isCancelled() const { return m_cancelled; }
     bool hasRun() const { return m_hasRun; }
+    // How long until the item runs; zero once it has run or been cancelled.
+    std::chrono::milliseconds remaining() const;
 
 private:
     explicit WorkItem(std::function<void()> body);
@@ -24,6 +29,7 @@ private:
     void releaseTimer();
 
     std::function<void()> m_body;
+    std::chrono::steady_clock::time_point m_notBefore;
     QTimer* m_timer = nullptr;
     std::shared_ptr<WorkItem> m_selfWhileScheduled;
     bool m_cancelled = false;

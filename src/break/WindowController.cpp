@@ -18,6 +18,7 @@ namespace WindowController {
 namespace {
 
 const char breakWindowName[] = "breakWindow";
+bool breakShown = false;
 const char fadeName[] = "fade";
 
 // Break windows are closed, not destroyed: the window list is their registry, so the next
@@ -120,8 +121,14 @@ QString displayIdentifier(const QScreen* screen)
     return name.isEmpty() ? QStringLiteral("0") : name;
 }
 
+bool isBreakShown()
+{
+    return breakShown;
+}
+
 void showBreak()
 {
+    breakShown = true;
     for (QScreen* screen : QGuiApplication::screens()) {
         QQuickWindow* w = window(screen);
         w->setOpacity(0.0);
@@ -137,6 +144,7 @@ void showBreak()
 
 void closeBreak()
 {
+    breakShown = false;
     for (QScreen* screen : QGuiApplication::screens()) {
         QQuickWindow* w = window(screen);
         fade(w, 0.0);

@@ -19,6 +19,9 @@ void showBreak();
 // closed at once), and closes the windows of screens that went away during the break.
 void closeBreak();
 
+// Whether the break windows are up (from showBreak() until closeBreak()).
+bool isBreakShown();
+
 // Opens the settings window and brings it to the front.
 void showPrefView();
 

@@ -47,6 +47,13 @@ int runTests(int argc, char* argv[], ChildMain childMain = nullptr,
         return TestSupport::runTests<TestClass>(argc, argv, childMain, TestSupport::startPrivateSessionBus); \
     }
 
+// Runs the tests on a session bus and a system bus of their own (see startPrivateBuses()).
+#define LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUSES(TestClass, childMain)                                          \
+    int main(int argc, char* argv[])                                                                         \
+    {                                                                                                        \
+        return TestSupport::runTests<TestClass>(argc, argv, childMain, TestSupport::startPrivateBuses);      \
+    }
+
 #define LULLTIDE_TEST_MAIN_WITH_CHILD(TestClass, childMain)                                                  \
     int main(int argc, char* argv[])                                                                         \
     {                                                                                                        \

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <sys/types.h>
+#include <vector>
 
 namespace TestSupport {
 
@@ -55,7 +56,11 @@ QString logTextIn(const QString& home)
     return text;
 }
 
-void startPrivateSessionBus()
+namespace {
+
+// Starts a dbus-daemon with the session configuration and points `variable` at it; the daemon
+// ends with this program.
+void startPrivateBus(const char* variable)
 {
     if (!qEnvironmentVariableIsEmpty("LULLTIDE_TEST_CHILD"))
         return;
@@ -69,9 +74,27 @@ void startPrivateSessionBus()
     pclose(daemon);
     if (!read)
         qFatal("dbus-daemon did not tell its address");
-    static pid_t pid = static_cast<pid_t>(std::atol(pidText));
-    std::atexit([] { ::kill(pid, SIGTERM); });
-    qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray(address).trimmed());
+    static std::vector<pid_t> daemons;
+    if (daemons.empty())
+        std::atexit([] {
+            for (pid_t pid : daemons)
+                ::kill(pid, SIGTERM);
+        });
+    daemons.push_back(static_cast<pid_t>(std::atol(pidText)));
+    qputenv(variable, QByteArray(address).trimmed());
+}
+
+} // namespace
+
+void startPrivateSessionBus()
+{
+    startPrivateBus("DBUS_SESSION_BUS_ADDRESS");
+}
+
+void startPrivateBuses()
+{
+    startPrivateBus("DBUS_SESSION_BUS_ADDRESS");
+    startPrivateBus("DBUS_SYSTEM_BUS_ADDRESS");
 }
 
 QProcessEnvironment environmentWithHome(const QString& root)

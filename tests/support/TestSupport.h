@@ -33,6 +33,8 @@ ChildResult runChild(const QByteArray& mode, const QProcessEnvironment& environm
 // names a test takes (a panel's watcher) meet no other program. The daemon ends with the program.
 // Must run before the application object exists; a child started by runChild() keeps its parent's.
 void startPrivateSessionBus();
+// The same, and a second daemon standing in for the system bus (DBUS_SYSTEM_BUS_ADDRESS).
+void startPrivateBuses();
 
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QObject>
+
+// Tells of pointer activity anywhere on the desktop: moves, drags, button presses and releases,
+// and modifier keys (ordinary key presses do not count).
+class PointerMonitor : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    // The monitor that suits the display server, started; null (and said once in the log) when
+    // the desktop offers no way to see pointer activity.
+    static PointerMonitor* create(QObject* parent);
+
+signals:
+    void activity();
+};

@@ -1,0 +1,77 @@
+#include "SystemEventActions.h"
+
+#include "ChineseDate.h"
+#include "SystemEventController.h"
+#include "app/AppState.h"
+#include "app/WorkItem.h"
+#include "break/PromptState.h"
+#include "break/WindowController.h"
+#include "preferences/PrefState.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+
+namespace SystemEventActions {
+namespace {
+
+double secondsNow()
+{
+    return double(QDateTime::currentMSecsSinceEpoch()) / 1000.0;
+}
+
+} // namespace
+
+bool isNewDay(double lastLock, double now)
+{
+    return !(ChineseDate::of(lastLock) == ChineseDate::of(now));
+}
+
+void didLockScreenShow()
+{
+    PrefState& prefs = AppState::prefState();
+    if (prefs.showNewDayTip())
+        prefs.setLastWeakupTimestamp(secondsNow());
+    if (prefs.restartTimerAfterAwake()) {
+        AppState::setWorking(false);
+        WindowController::closeBreak();
+    }
+}
+
+void didLockScreenDismiss()
+{
+    PrefState& prefs = AppState::prefState();
+    bool newDay = false;
+    if (prefs.showNewDayTip()) {
+        newDay = isNewDay(prefs.lastWeakupTimestamp(), secondsNow());
+        if (newDay)
+            AppState::promptState().showNewDay();
+        // Every unlock starts the rotation afresh while the greeting is on, new day or not.
+        AppState::promptState().resetShortBreakTimes();
+    }
+    if (!newDay && prefs.restartTimerAfterAwake() && !AppState::manualPause())
+        AppState::setWorking(true);
+}
+
+void onTrigger()
+{
+    if (!AppState::prefState().stopTimerAfterMouseStop())
+        return;
+    if (!AppState::manualPause() && !AppState::working())
+        AppState::setWorking(true);
+
+    const auto timeout = SystemEventController::idleTimeout();
+    // Pointer events come by the hundred each second: a pending timeout is moved, not rebuilt.
+    const auto pending = AppState::mouseMoveEventItem();
+    if (pending && !pending->isCancelled() && !pending->hasRun()) {
+        pending->postpone(timeout);
+        return;
+    }
+    AppState::setMouseMoveEventItem(WorkItem::schedule(timeout, [] {
+        // Posted rather than done here: once the timeout has begun, a cancel no longer holds
+        // the stop back.
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [] { AppState::setWorking(false); }, Qt::QueuedConnection);
+    }));
+}
+
+} // namespace SystemEventActions

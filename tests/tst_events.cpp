@@ -1,0 +1,510 @@
+#include "support/ManualTickSource.h"
+#include "support/TestMain.h"
+
+#include "app/AppDelegate.h"
+#include "app/AppState.h"
+#include "app/WorkItem.h"
+#include "break/PromptState.h"
+#include "break/WindowController.h"
+#include "events/ChineseDate.h"
+#include "events/SystemEventActions.h"
+#include "events/SystemEventController.h"
+#include "preferences/PrefState.h"
+#include "statusbar/StatusBarController.h"
+#include "statusbar/StatusMenu.h"
+#include "statusbar/StatusMenuItem.h"
+#include "timer/TicktackController.h"
+#include "timer/TicktackState.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDateTime>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QWidget>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString sessionPath = QStringLiteral("/org/freedesktop/login1/session/_3c1");
+constexpr auto testTimeout = 600ms;
+
+// login1 as the tests need it: the manager answers which session a process is in, and the
+// stand-in sends the session's and the manager's signals from the name's owner, as logind does.
+class StandInLogin1 : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")
+
+public:
+    explicit StandInLogin1(const QDBusConnection& bus) : m_bus(bus) {}
+
+    bool start()
+    {
+        return m_bus.registerObject("/org/freedesktop/login1", this,
+                                    QDBusConnection::ExportScriptableSlots) &&
+               m_bus.registerService("org.freedesktop.login1");
+    }
+
+    void emitSignal(const QString& path, const QString& interface, const QString& name,
+                    const QVariantList& arguments = {})
+    {
+        QDBusMessage signal = QDBusMessage::createSignal(path, interface, name);
+        signal.setArguments(arguments);
+        m_bus.send(signal);
+    }
+
+public slots:
+    Q_SCRIPTABLE QDBusObjectPath GetSessionByPID(uint) { return QDBusObjectPath(sessionPath); }
+
+private:
+    QDBusConnection m_bus;
+};
+
+// Reports the default idle timeout of a process whose start-up armed it.
+int childMain(const QByteArray& mode)
+{
+    if (mode != "default-timeout")
+        return 2;
+    TestSupport::isolateUserDirs();
+    TicktackController::setTickSource(std::make_unique<ManualTickSource>());
+    AppDelegate().applicationDidFinishLaunching();
+    const auto item = AppState::mouseMoveEventItem();
+    std::printf("%lld %lld\n", static_cast<long long>(SystemEventController::idleTimeout().count()),
+                item ? static_cast<long long>(item->remaining().count()) : -1LL);
+    return 0;
+}
+
+} // namespace
+
+class EventsTest : public QObject {
+    Q_OBJECT
+
+    ManualTickSource* ticks = nullptr;
+    StandInLogin1* login1 = nullptr;
+
+    static PrefState& prefs() { return AppState::prefState(); }
+
+    static QString pauseTitle()
+    {
+        return StatusBarController::menu().itemWithTag(AppState::pauseItemTag)->title();
+    }
+
+    static void run(const QString& program, const QStringList& arguments)
+    {
+        QProcess process;
+        process.start(program, arguments);
+        QVERIFY(process.waitForFinished(10000));
+        QVERIFY2(process.exitCode() == 0, process.readAllStandardError().constData());
+    }
+
+    static void xdotool(const QStringList& arguments) { run("xdotool", arguments); }
+
+    static void screenSaver(const QString& interface, bool active)
+    {
+        run("gdbus", {"emit", "--session", "--object-path", "/" + QString(interface).replace('.', '/'),
+                      "--signal", interface + ".ActiveChanged", active ? "true" : "false"});
+    }
+
+    static int stops() { return int(TestSupport::logText().count("ticktack timer stoped")); }
+
+    // A running cycle with a fresh work period, the idle timeout armed and the screen unlocked.
+    void freshStart()
+    {
+        prefs().setStopTimerAfterMouseStop(true);
+        prefs().setRestartTimerAfterAwake(true);
+        prefs().setShowNewDayTip(false);
+        if (WindowController::isBreakShown())
+            AppState::promptState().closePrompt();
+        AppState::setManualPause(false);
+        SystemEventActions::onTrigger();
+    }
+
+    // Waits out the idle timeout with nobody at the desk.
+    static void beIdle() { QTest::qWait(int(testTimeout.count()) + 400); }
+
+    static void movePointer()
+    {
+        static int x = 100;
+        x = x == 100 ? 300 : 100;
+        xdotool({"mousemove", QString::number(x), "200"});
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QCOMPARE(SystemEventController::idleTimeout(), 300s);
+        SystemEventController::setIdleTimeout(testTimeout);
+        login1 = new StandInLogin1(QDBusConnection::systemBus());
+        QVERIFY(login1->start());
+        ticks = new ManualTickSource;
+        TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
+        AppDelegate().applicationDidFinishLaunching();
+    }
+
+    void theIdleTimeoutIsThreeHundredSecondsByDefaultAndArmedAtStart()
+    {
+        const auto child = TestSupport::runChild("default-timeout", QProcessEnvironment::systemEnvironment());
+        QCOMPARE(child.exitCode, 0);
+        const QStringList numbers = child.standardOutput.trimmed().split('\n').last().split(' ');
+        QCOMPARE(numbers.value(0), "300000");
+        QVERIFY2(numbers.value(1).toLongLong() > 295000 && numbers.value(1).toLongLong() <= 300000,
+                 qPrintable(child.standardOutput));
+    }
+
+    void withoutPointerActivityTheCountdownStopsAndTheNextMoveStartsAFullWorkPeriod()
+    {
+        freshStart();
+        ticks->tick(5);
+        QCOMPARE(AppState::workState().timeString(), "24:55");
+        beIdle();
+        QTRY_COMPARE(AppState::working(), false);
+        QVERIFY(!ticks->running());
+        QCOMPARE(pauseTitle(), "- Wrok -");
+
+        movePointer();
+        QTRY_COMPARE(AppState::working(), true);
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+        QCOMPARE(pauseTitle(), "- Stop -");
+    }
+
+    void pointerMovesKeepTheCycleRunning()
+    {
+        freshStart();
+        for (int i = 0; i < 4; ++i) {
+            QTest::qWait(int(testTimeout.count()) / 2);
+            movePointer();
+        }
+        QTest::qWait(100);
+        QCOMPARE(AppState::working(), true);
+        QVERIFY(!AppState::mouseMoveEventItem()->hasRun());
+    }
+
+    void motionOverAnotherWindowCountsAsAMouseMakesIt()
+    {
+        freshStart();
+        QWidget cover;
+        cover.setGeometry(QGuiApplication::primaryScreen()->geometry());
+        cover.setMouseTracking(true);
+        cover.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&cover));
+        xdotool({"mousemove", "640", "400"});
+        beIdle();
+        QTRY_COMPARE(AppState::working(), false);
+        // Relative motion comes from an input device, as a mouse's does; the root window does not
+        // see it under the cover.
+        xdotool({"mousemove_relative", "--", "15", "5"});
+        QTRY_COMPARE(AppState::working(), true);
+    }
+
+    void buttonsAndModifierKeysCountButOtherKeysDoNot()
+    {
+        freshStart();
+        beIdle();
+        QTRY_COMPARE(AppState::working(), false);
+
+        xdotool({"key", "a"});
+        QTest::qWait(300);
+        QCOMPARE(AppState::working(), false);
+
+        xdotool({"keydown", "shift"});
+        QTRY_COMPARE(AppState::working(), true);
+        xdotool({"keyup", "shift"});
+
+        beIdle();
+        QTRY_COMPARE(AppState::working(), false);
+        xdotool({"click", "1"});
+        QTRY_COMPARE(AppState::working(), true);
+    }
+
+    void whilePausedByHandPointerActivityKeepsReArmingButNeverRestarts()
+    {
+        freshStart();
+        AppState::setManualPause(true);
+        for (int i = 0; i < 4; ++i) {
+            QTest::qWait(int(testTimeout.count()) / 2);
+            movePointer();
+        }
+        QTest::qWait(100);
+        QCOMPARE(AppState::working(), false);
+        // Re-armed by every move: after twice the timeout it still waits.
+        QVERIFY(!AppState::mouseMoveEventItem()->hasRun());
+        QVERIFY(AppState::mouseMoveEventItem()->remaining() > 0ms);
+        AppState::setManualPause(false);
+    }
+
+    void switchingIdleStopOffLetsTheArmedTimeoutStopOnceAndNothingRestarts()
+    {
+        freshStart();
+        prefs().setStopTimerAfterMouseStop(false);
+        QVERIFY(!AppState::mouseMoveEventItem()->isCancelled());
+        movePointer(); // does not count any more
+        beIdle();
+        QTRY_COMPARE(AppState::working(), false);
+        movePointer();
+        QTest::qWait(300);
+        QCOMPARE(AppState::working(), false);
+        prefs().setStopTimerAfterMouseStop(true);
+    }
+
+    void aBreakCancelsThePendingTimeoutAndTheCycleRunsOnWithoutIdleStop()
+    {
+        freshStart();
+        const auto armed = AppState::mouseMoveEventItem();
+        AppState::promptState().showBreak();
+        QVERIFY(armed->isCancelled());
+        beIdle();
+        QCOMPARE(AppState::working(), true);
+        QVERIFY(ticks->running()); // the break counts down
+        AppState::promptState().skip();
+        beIdle();
+        QCOMPARE(AppState::working(), true);
+        QVERIFY(ticks->running()); // and the next work period
+    }
+
+    void pointerMotionOverAnOpenBreakScreenNeitherRestartsNorReArms()
+    {
+        freshStart();
+        AppState::setWorking(false);
+        AppState::promptState().showNewDay(); // a break while the cycle is stopped, as after an unlock
+        const auto item = AppState::mouseMoveEventItem();
+        movePointer();
+        xdotool({"click", "3"});
+        QTest::qWait(300);
+        QCOMPARE(AppState::working(), false);
+        QCOMPARE(AppState::mouseMoveEventItem(), item);
+        QCOMPARE(AppState::breakState().timeString(), "00:10");
+        AppState::promptState().closePrompt();
+    }
+
+    void lockDuringABreakStopsItAndClosesItsWindowsAndUnlockStartsAFullWorkPeriod()
+    {
+        freshStart();
+        AppState::promptState().showBreak();
+        QVERIFY(WindowController::isBreakShown());
+        ticks->tick(3);
+        screenSaver("org.freedesktop.ScreenSaver", true);
+        QTRY_COMPARE(AppState::working(), false);
+        QVERIFY(!ticks->running());
+        QVERIFY(!WindowController::isBreakShown());
+        for (QWindow* window : QGuiApplication::allWindows())
+            QVERIFY(!(window->objectName() == "breakWindow" && window->isVisible()));
+
+        screenSaver("org.freedesktop.ScreenSaver", false);
+        QTRY_COMPARE(AppState::working(), true);
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+        QVERIFY(!WindowController::isBreakShown()); // no new-day greeting
+    }
+
+    void withRestartAfterAwakeOffTheCountdownRunsThroughTheLockAndUnlockChangesNothing()
+    {
+        freshStart();
+        prefs().setRestartTimerAfterAwake(false);
+        ticks->tick(2);
+        screenSaver("org.gnome.ScreenSaver", true);
+        QTest::qWait(300);
+        QCOMPARE(AppState::working(), true);
+        ticks->tick(2);
+        screenSaver("org.gnome.ScreenSaver", false);
+        QTest::qWait(300);
+        QCOMPARE(AppState::workState().timeString(), "24:56");
+        prefs().setRestartTimerAfterAwake(true);
+    }
+
+    void theSameLockReportedByTwoSourcesRunsTheHandlerOnce()
+    {
+        freshStart();
+        screenSaver("org.cinnamon.ScreenSaver", false);
+        QTest::qWait(200);
+        const int before = stops();
+        screenSaver("org.gnome.ScreenSaver", true);
+        screenSaver("org.mate.ScreenSaver", true);
+        login1->emitSignal(sessionPath, "org.freedesktop.login1.Session", "Lock");
+        QTRY_COMPARE(AppState::working(), false);
+        QTest::qWait(300);
+        QCOMPARE(stops(), before + 1);
+        screenSaver("org.gnome.ScreenSaver", false);
+        QTRY_COMPARE(AppState::working(), true);
+    }
+
+    void loginSessionLockAndUnlockDriveTheCycle()
+    {
+        freshStart();
+        login1->emitSignal(sessionPath, "org.freedesktop.login1.Session", "Lock");
+        QTRY_COMPARE(AppState::working(), false);
+        login1->emitSignal(sessionPath, "org.freedesktop.login1.Session", "Unlock");
+        QTRY_COMPARE(AppState::working(), true);
+    }
+
+    void lockedHintOfTheSessionDrivesTheCycle()
+    {
+        freshStart();
+        const auto hint = [&](bool locked) {
+            login1->emitSignal(
+                sessionPath, "org.freedesktop.DBus.Properties", "PropertiesChanged",
+                {"org.freedesktop.login1.Session", QVariantMap{{"LockedHint", locked}}, QStringList()});
+        };
+        hint(true);
+        QTRY_COMPARE(AppState::working(), false);
+        hint(false);
+        QTRY_COMPARE(AppState::working(), true);
+    }
+
+    void aSuspendCountsAsALockAndTheResumeAsAnUnlock()
+    {
+        freshStart();
+        ticks->tick(10);
+        login1->emitSignal("/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
+                           {true});
+        QTRY_COMPARE(AppState::working(), false);
+        login1->emitSignal("/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
+                           {false});
+        QTRY_COMPARE(AppState::working(), true);
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+    }
+
+    void lockNotesTheTimeOnlyWhileTheGreetingIsOn()
+    {
+        freshStart();
+        prefs().setLastWeakupTimestamp(0);
+        screenSaver("org.freedesktop.ScreenSaver", true);
+        QTRY_COMPARE(AppState::working(), false);
+        QCOMPARE(prefs().lastWeakupTimestamp(), 0.0);
+        screenSaver("org.freedesktop.ScreenSaver", false);
+        QTRY_COMPARE(AppState::working(), true);
+
+        prefs().setShowNewDayTip(true);
+        const double before = double(QDateTime::currentSecsSinceEpoch());
+        screenSaver("org.freedesktop.ScreenSaver", true);
+        QTRY_COMPARE(AppState::working(), false);
+        QVERIFY(prefs().lastWeakupTimestamp() >= before && prefs().lastWeakupTimestamp() < before + 5);
+        screenSaver("org.freedesktop.ScreenSaver", false);
+        QTRY_COMPARE(AppState::working(), true); // the same day: no greeting
+    }
+
+    void unlockOnANewDayGreetsWithATenSecondBreakAndStartsTheRotationAfresh()
+    {
+        freshStart();
+        prefs().setShowNewDayTip(true);
+        AppState::promptState().showBreak(); // the rotation moves on
+        AppState::promptState().skip();
+        QVERIFY(AppState::promptState().shortBreakTimes() != 0);
+
+        screenSaver("org.freedesktop.ScreenSaver", true);
+        QTRY_COMPARE(AppState::working(), false);
+        prefs().setLastWeakupTimestamp(prefs().lastWeakupTimestamp() - 86400); // locked yesterday
+        screenSaver("org.freedesktop.ScreenSaver", false);
+        QTRY_VERIFY(WindowController::isBreakShown());
+        QCOMPARE(AppState::breakState().timeString(), "00:10");
+        QCOMPARE(AppState::promptState().prompt(), PromptState::newDayPrompt());
+        QCOMPARE(AppState::promptState().prompt().toUtf8().size(), 70);
+        QCOMPARE(AppState::promptState().shortBreakTimes(), 0);
+        QCOMPARE(AppState::working(), false); // no restart on top of the greeting
+
+        ticks->tick(10); // the greeting ends and a work period follows, working as the lock left it
+        QTRY_VERIFY(!WindowController::isBreakShown());
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+        QVERIFY(ticks->running());
+        QCOMPARE(AppState::working(), false);
+    }
+
+    void unlockOnTheSameDayStillStartsTheRotationAfresh()
+    {
+        freshStart();
+        prefs().setShowNewDayTip(true);
+        AppState::promptState().showBreak();
+        AppState::promptState().skip();
+        QVERIFY(AppState::promptState().shortBreakTimes() != 0);
+        screenSaver("org.freedesktop.ScreenSaver", true);
+        QTRY_COMPARE(AppState::working(), false);
+        screenSaver("org.freedesktop.ScreenSaver", false);
+        QTRY_COMPARE(AppState::working(), true);
+        QVERIFY(!WindowController::isBreakShown());
+        QCOMPARE(AppState::promptState().shortBreakTimes(), 0);
+    }
+
+    void theNewDayBreakKeepsTheSkipButtonOfThePreviousBreak_data()
+    {
+        QTest::addColumn<bool>("forced");
+        QTest::newRow("after a forced long break: none") << true;
+        QTest::newRow("after a short break: shown") << false;
+    }
+    void theNewDayBreakKeepsTheSkipButtonOfThePreviousBreak()
+    {
+        QFETCH(bool, forced);
+        freshStart();
+        prefs().setShowNewDayTip(true);
+        prefs().setForceLongBreak(forced);
+        prefs().setShortBreakTimesString(forced ? "1" : "4"); // every break long, or a short one next
+        AppState::promptState().resetShortBreakTimes();
+        AppState::promptState().showBreak();
+        QCOMPARE(AppState::promptState().showSkipButton(), !forced);
+        AppState::promptState().closePrompt();
+
+        screenSaver("org.freedesktop.ScreenSaver", true);
+        QTRY_COMPARE(AppState::working(), false);
+        prefs().setLastWeakupTimestamp(prefs().lastWeakupTimestamp() - 86400);
+        screenSaver("org.freedesktop.ScreenSaver", false);
+        QTRY_VERIFY(WindowController::isBreakShown());
+        QCOMPARE(AppState::promptState().prompt(), PromptState::newDayPrompt());
+        QCOMPARE(AppState::promptState().showSkipButton(), !forced);
+
+        AppState::promptState().closePrompt();
+        prefs().setForceLongBreak(false);
+        prefs().setShortBreakTimesString("4");
+    }
+
+    void aNewDayIsAnotherDayOfTheChineseCalendar()
+    {
+        qputenv("TZ", "Asia/Shanghai");
+        // 2024-02-09 23:30 and 2024-02-10 00:30 in Shanghai: the last day of a year and the first
+        // of the next in the Chinese calendar.
+        const double newYearsEve =
+            double(QDateTime(QDate(2024, 2, 9), QTime(15, 30), Qt::UTC).toSecsSinceEpoch());
+        QVERIFY(SystemEventActions::isNewDay(newYearsEve, newYearsEve + 3600));
+        QVERIFY(!SystemEventActions::isNewDay(newYearsEve, newYearsEve + 1200));
+        const ChineseDate eve = ChineseDate::of(newYearsEve);
+        const ChineseDate first = ChineseDate::of(newYearsEve + 3600);
+        QVERIFY(eve.year != first.year);
+        QCOMPARE(first.month, 0); // the first month
+        QCOMPARE(first.day, 1);
+
+        // The same moment is a new day in one time zone and not in another.
+        qputenv("TZ", "UTC");
+        QVERIFY(!SystemEventActions::isNewDay(newYearsEve, newYearsEve + 3600));
+        qunsetenv("TZ");
+    }
+
+    void aMissingCalendarComponentEqualsOnlyAnotherMissingOne()
+    {
+        const ChineseDate full{4, 0, 1};
+        QVERIFY(!(full == ChineseDate{std::nullopt, 0, 1}));
+        QVERIFY((ChineseDate{std::nullopt, 0, 1} == ChineseDate{std::nullopt, 0, 1}));
+        QVERIFY(!(ChineseDate{4, std::nullopt, 1} == ChineseDate{4, 0, 1}));
+    }
+
+    void withoutAnyBusLulltideStillStartsAndCountsDown()
+    {
+        QTemporaryDir home;
+        QProcessEnvironment environment = TestSupport::environmentWithHome(home.path());
+        environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.path() + "/no-bus");
+        environment.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + home.path() + "/no-bus");
+        QProcess app;
+        app.setProcessEnvironment(environment);
+        app.start(LULLTIDE_BINARY, {});
+        QVERIFY(app.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(TestSupport::logTextIn(home.path()).contains("sandbox home path: "), 10000);
+        QVERIFY(!app.waitForFinished(1500));
+        const QString log = TestSupport::logTextIn(home.path());
+        QCOMPARE(log.count("no D-Bus: Lulltide does not notice when the screen locks"), 1);
+        QCOMPARE(log.count("no D-Bus session bus: the panel shows a tray icon without the countdown"), 1);
+        QVERIFY(log.contains("ticktack timer start 1500.0"));
+        app.terminate();
+        QVERIFY(app.waitForFinished(5000));
+    }
+};
+
+LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUSES(EventsTest, childMain)
+
+#include "tst_events.moc"
