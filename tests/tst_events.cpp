@@ -62,9 +62,37 @@ private:
     QDBusConnection m_bus;
 };
 
-// Reports the default idle timeout of a process whose start-up armed it.
+// GNOME's compositor as far as idleness goes: it hands out watches and says when they fire.
+class StandInMutterIdleMonitor : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.gnome.Mutter.IdleMonitor")
+
+public:
+    QList<quint64> idleWatches; // the intervals asked for
+    uint activeWatch = 0;
+
+public slots:
+    Q_SCRIPTABLE uint AddIdleWatch(quint64 interval)
+    {
+        idleWatches << interval;
+        return 7;
+    }
+    Q_SCRIPTABLE uint AddUserActiveWatch() { return activeWatch = 8; }
+    Q_SCRIPTABLE void RemoveWatch(uint) {}
+    Q_SCRIPTABLE quint64 GetIdletime() { return 0; }
+
+signals:
+    Q_SCRIPTABLE void WatchFired(uint id);
+};
+
+// Reports the default idle timeout of a process whose start-up armed it; or runs the program's
+// start-up on a platform without X11, where the compositor tells of idleness.
 int childMain(const QByteArray& mode)
 {
+    if (mode == "compositor") {
+        AppDelegate().applicationDidFinishLaunching();
+        return QCoreApplication::exec();
+    }
     if (mode != "default-timeout")
         return 2;
     TestSupport::isolateUserDirs();
@@ -482,6 +510,42 @@ private slots:
         QVERIFY(!(full == ChineseDate{std::nullopt, 0, 1}));
         QVERIFY((ChineseDate{std::nullopt, 0, 1} == ChineseDate{std::nullopt, 0, 1}));
         QVERIFY(!(ChineseDate{4, std::nullopt, 1} == ChineseDate{4, 0, 1}));
+    }
+
+    void withoutX11TheCompositorsIdleMonitorStopsAndRestartsTheCycle()
+    {
+        StandInMutterIdleMonitor mutter;
+        QDBusConnection bus = QDBusConnection::sessionBus();
+        QVERIFY(bus.registerObject("/org/gnome/Mutter/IdleMonitor/Core", &mutter,
+                                   QDBusConnection::ExportScriptableContents));
+        QVERIFY(bus.registerService("org.gnome.Mutter.IdleMonitor"));
+
+        QTemporaryDir home;
+        QProcessEnvironment environment = TestSupport::environmentWithHome(home.path());
+        environment.insert("LULLTIDE_TEST_CHILD", "compositor");
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        QProcess child;
+        child.setProcessEnvironment(environment);
+        child.start(QCoreApplication::applicationFilePath(), {});
+        QVERIFY(child.waitForStarted());
+        const auto log = [&] { return TestSupport::logTextIn(home.path()); };
+        QTRY_COMPARE_WITH_TIMEOUT(mutter.idleWatches, QList<quint64>{300000}, 10000);
+        QTRY_VERIFY(log().contains("sandbox home path"));
+        QCOMPARE(log().count("ticktack timer stoped"), 1); // the one before the first period
+
+        // Active all along, no events: nothing stops the cycle until the compositor says idle.
+        QTest::qWait(500);
+        QCOMPARE(log().count("ticktack timer stoped"), 1);
+        emit mutter.WatchFired(7);
+        QTRY_COMPARE(log().count("ticktack timer stoped"), 2);
+        QTRY_COMPARE(mutter.activeWatch, 8u);
+
+        emit mutter.WatchFired(8); // back at the desk
+        QTRY_COMPARE(log().count("ticktack timer start 1500.0"), 2);
+        child.kill();
+        child.waitForFinished();
+        bus.unregisterService("org.gnome.Mutter.IdleMonitor");
+        bus.unregisterObject("/org/gnome/Mutter/IdleMonitor/Core");
     }
 
     void withoutAnyBusLulltideStillStartsAndCountsDown()

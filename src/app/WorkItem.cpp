@@ -38,6 +38,14 @@ std::chrono::milliseconds WorkItem::remaining() const
     return std::max(m_timer->remainingTimeAsDuration(), postponed);
 }
 
+void WorkItem::runNow()
+{
+    if (!m_timer || m_cancelled)
+        return;
+    m_notBefore = {};
+    perform();
+}
+
 void WorkItem::postpone(std::chrono::milliseconds delay)
 {
     m_notBefore = std::chrono::steady_clock::now() + delay;

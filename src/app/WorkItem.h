@@ -20,6 +20,8 @@ public:
     void postpone(std::chrono::milliseconds delay);
     bool isCancelled() const { return m_cancelled; }
     bool hasRun() const { return m_hasRun; }
+    // Runs the item now if it is still pending, whatever its timer says.
+    void runNow();
     // How long until the item runs; zero once it has run or been cancelled.
     std::chrono::milliseconds remaining() const;
 

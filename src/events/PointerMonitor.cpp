@@ -1,5 +1,7 @@
 #include "PointerMonitor.h"
 
+#include "MutterIdleMonitor.h"
+#include "SystemEventController.h"
 #include "X11PointerMonitor.h"
 #include "logging/Logger.h"
 
@@ -10,6 +12,13 @@ PointerMonitor* PointerMonitor::create(QObject* parent)
     if (QGuiApplication::platformName() == QLatin1String("xcb")) {
         auto* monitor = new X11PointerMonitor(parent);
         if (monitor->start())
+            return monitor;
+        delete monitor;
+    } else {
+        // Without X11 nobody sees the pointer outside their own windows: the compositor tells
+        // of idleness instead.
+        auto* monitor = new MutterIdleMonitor(parent);
+        if (monitor->start(SystemEventController::idleTimeout()))
             return monitor;
         delete monitor;
     }

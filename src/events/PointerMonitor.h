@@ -14,6 +14,12 @@ public:
     // the desktop offers no way to see pointer activity.
     static PointerMonitor* create(QObject* parent);
 
+    // Whether the monitor tells of idleness itself (a compositor's idle monitor, which reports
+    // no activity while the user is active) rather than of every event.
+    virtual bool reportsIdleness() const { return false; }
+
 signals:
     void activity();
+    // Nobody has been at the desk for the idle timeout (monitors that report idleness only).
+    void idle();
 };

@@ -59,7 +59,7 @@ void onTrigger()
     if (!AppState::manualPause() && !AppState::working())
         AppState::setWorking(true);
 
-    const auto timeout = SystemEventController::idleTimeout();
+    const auto timeout = SystemEventController::idleItemDelay();
     // Pointer events come by the hundred each second: a pending timeout is moved, not rebuilt.
     const auto pending = AppState::mouseMoveEventItem();
     if (pending && !pending->isCancelled() && !pending->hasRun()) {

@@ -3,14 +3,18 @@
 #include "PointerMonitor.h"
 #include "ScreenLockMonitor.h"
 #include "SystemEventActions.h"
+#include "app/AppState.h"
+#include "app/WorkItem.h"
 #include "break/WindowController.h"
 
 #include <QCoreApplication>
+#include <limits>
 
 namespace SystemEventController {
 namespace {
 
 std::chrono::milliseconds timeout = std::chrono::seconds(300);
+bool compositorReportsIdleness = false;
 
 } // namespace
 
@@ -22,6 +26,11 @@ std::chrono::milliseconds idleTimeout()
 void setIdleTimeout(std::chrono::milliseconds value)
 {
     timeout = value;
+}
+
+std::chrono::milliseconds idleItemDelay()
+{
+    return compositorReportsIdleness ? std::chrono::milliseconds(std::numeric_limits<int>::max()) : timeout;
 }
 
 void setup()
@@ -38,6 +47,12 @@ void setup()
             // break screen's business, not activity at the desk.
             if (!WindowController::isBreakShown())
                 SystemEventActions::onTrigger();
+        });
+        compositorReportsIdleness = pointer->reportsIdleness();
+        // The compositor's word that the desk has been idle stands for the timeout running out.
+        QObject::connect(pointer, &PointerMonitor::idle, owner, [] {
+            if (const auto item = AppState::mouseMoveEventItem())
+                item->runNow();
         });
     }
 

@@ -13,4 +13,8 @@ void setup();
 std::chrono::milliseconds idleTimeout();
 void setIdleTimeout(std::chrono::milliseconds timeout);
 
+// How long a newly armed idle item waits by itself: the idle timeout, or, where the compositor
+// tells of idleness, until it does (the longest a timer can wait).
+std::chrono::milliseconds idleItemDelay();
+
 } // namespace SystemEventController
