@@ -227,6 +227,8 @@ private slots:
         // No panel yet: the program starts before the desktop's panel, as it can at login.
         AppDelegate delegate;
         delegate.applicationDidFinishLaunching();
+        listen(itemService(), itemPath, itemInterface, QString());
+        listen(itemService(), menuPath, menuInterface, QString());
     }
 
     void withoutAWatcherTheItemIsATrayIconWithTheSameMenuAndSaysSoOnce()
@@ -257,6 +259,10 @@ private slots:
         QVERIFY(!tray->trayIcon()->icon().isNull());
         ticks->tick();
         QCOMPARE(tray->trayIcon()->toolTip(), "Lulltide\n24:59");
+        // Nobody holds the item on the bus: it sends no change signals there.
+        callMenu("AboutToShow", {0});
+        QCOMPARE(recorder->count("XAyatanaNewLabel"), 0);
+        QCOMPARE(recorder->count("NewToolTip"), 0);
     }
 
     void trayMenuPauseEntryFollowsThePause()
@@ -276,8 +282,6 @@ private slots:
         QVERIFY(watcher->start());
         QTRY_COMPARE(watcher->registeredItems(), QStringList{itemService() + "/StatusNotifierItem"});
         QTRY_VERIFY(!item().findChild<TrayIcon*>());
-        listen(itemService(), itemPath, itemInterface, QString());
-        listen(itemService(), menuPath, menuInterface, QString());
     }
 
     void itemOffersEveryPropertyPanelsRead()

@@ -46,7 +46,8 @@ StatusNotifierItem::StatusNotifierItem(StatusItem& item, const QDBusConnection& 
         if (m_item.toolTip() == m_toolTipText)
             return;
         m_toolTipText = m_item.toolTip();
-        emit NewToolTip();
+        if (m_registered)
+            emit NewToolTip();
     });
     m_label = m_item.title();
     m_toolTipText = m_item.toolTip();
@@ -149,13 +150,16 @@ void StatusNotifierItem::registerWith(const QString& owner)
         });
 }
 
+// The change signals go out only while a panel holds the item: it reads everything anew when
+// it takes the item, and until then the signals would only wake the bus once a second.
 void StatusNotifierItem::titleChanged()
 {
     updateIcon();
     if (m_item.title() == m_label)
         return;
     m_label = m_item.title();
-    emit XAyatanaNewLabel(m_label, labelGuide());
+    if (m_registered)
+        emit XAyatanaNewLabel(m_label, labelGuide());
 }
 
 void StatusNotifierItem::updateIcon()
@@ -179,7 +183,8 @@ void StatusNotifierItem::updateIcon()
     }
     // A host prefers the name when there is one, so the badged icon goes without.
     m_iconName = hasImage && badge.isEmpty() ? themeIconName() : QString();
-    emit NewIcon();
+    if (m_registered)
+        emit NewIcon();
 }
 
 void StatusNotifierItem::Activate(int x, int y)
