@@ -2,6 +2,7 @@
 
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <QQuickStyle>
 #include <QQuickWindow>
 #include <QtDebug>
 
@@ -15,6 +16,10 @@ QQmlEngine& engine()
         // sooner (see bench/break-latency). QT_QUICK_BACKEND still chooses another.
         if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
             QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+        // Fusion draws its controls from the desktop's palette, light or dark, and looks at
+        // home beside other Linux programs; QT_QUICK_CONTROLS_STYLE still chooses another.
+        if (qEnvironmentVariableIsEmpty("QT_QUICK_CONTROLS_STYLE"))
+            QQuickStyle::setStyle(QStringLiteral("Fusion"));
         auto* created = new QQmlEngine;
         created->addImportPath(QStringLiteral("qrc:/"));
         return created;

@@ -28,3 +28,11 @@ void PrefStyleState::setBreakStyleRawValue(int rawValue)
     if (const auto style = BreakStyle::fromRawValue(rawValue))
         setBreakStyle(*style);
 }
+
+QStringList PrefStyleState::styleDescriptions()
+{
+    QStringList descriptions;
+    for (const BreakStyle& style : BreakStyle::allCases())
+        descriptions << style.desc();
+    return descriptions;
+}

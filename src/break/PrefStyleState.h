@@ -13,6 +13,10 @@ class PrefStyleState : public QObject {
     QML_UNCREATABLE("The style choice belongs to the settings")
     Q_PROPERTY(
         int breakStyleRawValue READ breakStyleRawValue WRITE setBreakStyleRawValue NOTIFY breakStyleChanged)
+    // For the pickers: every style's description, in the order of their numbers.
+    Q_PROPERTY(QStringList styleDescriptions READ styleDescriptions CONSTANT)
+    // The chosen style's sentences.
+    Q_PROPERTY(QStringList prompts READ prompts NOTIFY breakStyleChanged)
 
 public:
     static constexpr const char breakStyleKey[] = "break_style";
@@ -25,6 +29,9 @@ public:
     int breakStyleRawValue() const { return breakStyle().rawValue(); }
     // Values that name no style are ignored.
     void setBreakStyleRawValue(int rawValue);
+
+    static QStringList styleDescriptions();
+    QStringList prompts() const { return breakStyle().prompts(); }
 
 signals:
     void breakStyleChanged();

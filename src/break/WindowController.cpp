@@ -1,11 +1,14 @@
 #include "WindowController.h"
 
+#include "IconFont.h"
 #include "PromptState.h"
 #include "X11WindowHints.h"
 #include "app/AppState.h"
 #include "app/QmlEngine.h"
 #include "logging/Logger.h"
+#include "preferences/PrefState.h"
 #include "statusbar/AboutDialog.h"
+#include "statusbar/AppInfo.h"
 #include "timer/TicktackState.h"
 
 #include <QGuiApplication>
@@ -100,9 +103,74 @@ QQuickWindow* window(QScreen* screen)
 
 void setup() {}
 
+namespace {
+
+const char settingsWindowName[] = "settingsWindow";
+
+QQuickWindow* settingsWindow()
+{
+    for (QWindow* window : QGuiApplication::allWindows()) {
+        if (window->objectName() == QLatin1String(settingsWindowName))
+            return qobject_cast<QQuickWindow*>(window);
+    }
+    return nullptr;
+}
+
+QQuickWindow* makeSettingsWindow()
+{
+    const QVariantMap appInfo{
+        {QStringLiteral("name"), AppInfo::name()},
+        {QStringLiteral("versionLine"), QStringLiteral("v%1(%2)").arg(AppInfo::version(), AppInfo::build())},
+        {QStringLiteral("releaseNotesLink"), AppInfo::releaseNotesLink()},
+        {QStringLiteral("copyright"), AppInfo::copyright()},
+        {QStringLiteral("iconFontFamily"), IconFont::name()},
+        {QStringLiteral("glyph"), IconFont(IconFont::muyu).rawValue()},
+    };
+    QObject* view =
+        QmlEngine::create(QStringLiteral("PreferencesView"),
+                          {
+                              {QStringLiteral("prefState"), QVariant::fromValue(&AppState::prefState())},
+                              {QStringLiteral("appInfo"), appInfo},
+                          });
+    auto* window = new QQuickWindow;
+    window->setObjectName(QLatin1String(settingsWindowName));
+    window->setTitle(QStringLiteral("Settings"));
+    window->setMinimumSize(QSize(480, 400));
+    window->resize(560, 600);
+    if (auto* item = qobject_cast<QQuickItem*>(view)) {
+        item->setParent(window);
+        item->setParentItem(window->contentItem());
+    } else {
+        delete view;
+    }
+    // Closed, the window keeps its object for the next time but lets its scene go.
+    QObject::connect(window, &QWindow::visibleChanged, window, [window](bool visible) {
+        if (!visible)
+            window->releaseResources();
+    });
+    return window;
+}
+
+} // namespace
+
+bool sendAction(const QString& action)
+{
+    // The settings window answers to both names it has had.
+    if (action != QLatin1String("showSettingsWindow:") && action != QLatin1String("showPreferencesWindow:"))
+        return false;
+    QQuickWindow* window = settingsWindow();
+    if (!window)
+        window = makeSettingsWindow();
+    window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
+    window->show();
+    window->raise();
+    window->requestActivate();
+    return true;
+}
+
 void showPrefView()
 {
-    logger().info(QStringLiteral("the settings window is not part of this version yet"));
+    sendAction(QStringLiteral("showSettingsWindow:"));
 }
 
 void showUpdater()

@@ -22,8 +22,11 @@ void closeBreak();
 // Whether the break windows are up (from showBreak() until closeBreak()).
 bool isBreakShown();
 
-// Opens the settings window and brings it to the front.
+// Opens the settings window (made on first use, reused after) and brings it to the front.
 void showPrefView();
+// Carries out an action named as menus name them: "showSettingsWindow:" and
+// "showPreferencesWindow:" both open the settings window. False for an unknown action.
+bool sendAction(const QString& action);
 
 // Checks for a newer version, with progress and result shown.
 void showUpdater();

@@ -54,6 +54,14 @@ int runTests(int argc, char* argv[], ChildMain childMain = nullptr,
         return TestSupport::runTests<TestClass>(argc, argv, childMain, TestSupport::startPrivateBuses);      \
     }
 
+// Runs the tests on an X server of their own with a window manager.
+#define LULLTIDE_TEST_MAIN_WITH_WINDOW_MANAGER(TestClass, childMain)                                         \
+    int main(int argc, char* argv[])                                                                         \
+    {                                                                                                        \
+        return TestSupport::runTests<TestClass>(argc, argv, childMain,                                       \
+                                                TestSupport::startPrivateDisplayWithWindowManager);          \
+    }
+
 #define LULLTIDE_TEST_MAIN_WITH_CHILD(TestClass, childMain)                                                  \
     int main(int argc, char* argv[])                                                                         \
     {                                                                                                        \

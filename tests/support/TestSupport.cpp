@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <sys/types.h>
+#include <unistd.h>
 #include <vector>
 
 namespace TestSupport {
@@ -95,6 +96,39 @@ void startPrivateBuses()
 {
     startPrivateBus("DBUS_SESSION_BUS_ADDRESS");
     startPrivateBus("DBUS_SYSTEM_BUS_ADDRESS");
+}
+
+void startPrivateDisplayWithWindowManager()
+{
+    if (!qEnvironmentVariableIsEmpty("LULLTIDE_TEST_CHILD"))
+        return;
+    // Xvfb picks a free display itself and writes its number to the given descriptor.
+    FILE* server = popen("Xvfb -displayfd 1 -screen 0 1280x800x24 -nolisten tcp 2>/dev/null & echo $!", "r");
+    if (!server)
+        qFatal("cannot start Xvfb");
+    char pidText[64] = {};
+    char display[64] = {};
+    const bool read =
+        std::fgets(pidText, sizeof pidText, server) && std::fgets(display, sizeof display, server);
+    if (!read)
+        qFatal("Xvfb did not tell its display");
+    static pid_t serverPid = static_cast<pid_t>(std::atol(pidText));
+    qputenv("DISPLAY", ":" + QByteArray(display).trimmed());
+    static pid_t windowManagerPid = [] {
+        FILE* openbox = popen("openbox >/dev/null 2>&1 & echo $!", "r");
+        char text[64] = {};
+        const bool started = openbox && std::fgets(text, sizeof text, openbox);
+        if (openbox)
+            pclose(openbox);
+        return started ? static_cast<pid_t>(std::atol(text)) : pid_t(0);
+    }();
+    std::atexit([] {
+        if (windowManagerPid > 0)
+            ::kill(windowManagerPid, SIGTERM);
+        ::kill(serverPid, SIGTERM);
+    });
+    // Gives the window manager a moment to take the screen.
+    ::usleep(300 * 1000);
 }
 
 QProcessEnvironment environmentWithHome(const QString& root)

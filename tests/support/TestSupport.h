@@ -36,6 +36,10 @@ void startPrivateSessionBus();
 // The same, and a second daemon standing in for the system bus (DBUS_SYSTEM_BUS_ADDRESS).
 void startPrivateBuses();
 
+// Starts an Xvfb of this test program's own with openbox managing it, and points DISPLAY at it:
+// for tests that need a window manager without disturbing the others on the shared display.
+void startPrivateDisplayWithWindowManager();
+
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);
 

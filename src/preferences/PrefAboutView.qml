@@ -1,0 +1,61 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Lulltide
+
+// The fourth tab: the wooden fish of the icon font, the name, the version and build with a
+// link to the release notes, and the copyright line.
+Item {
+    id: root
+    objectName: "aboutView"
+
+    // name, versionLine, releaseNotesLink, copyright, iconFontFamily, glyph
+    required property var appInfo
+
+    ColumnLayout {
+        anchors.horizontalCenter: parent.horizontalCenter
+        y: 24
+        spacing: 6
+
+        Label {
+            objectName: "aboutGlyph"
+            Layout.alignment: Qt.AlignHCenter
+            Layout.bottomMargin: 20
+            font.family: root.appInfo.iconFontFamily
+            font.pixelSize: 60
+            text: root.appInfo.glyph
+            Accessible.name: qsTr("Wooden fish")
+        }
+        Label {
+            objectName: "aboutName"
+            Layout.alignment: Qt.AlignHCenter
+            text: root.appInfo.name
+            font.bold: true
+            font.pixelSize: 26
+        }
+        RowLayout {
+            Layout.alignment: Qt.AlignHCenter
+            spacing: 8
+            Label {
+                objectName: "aboutVersion"
+                text: root.appInfo.versionLine
+            }
+            Label {
+                objectName: "aboutReleaseNotes"
+                text: "<a href=\"" + root.appInfo.releaseNotesLink + "\">" + qsTr("Release Notes") + "</a>"
+                textFormat: Text.StyledText
+                onLinkActivated: link => Qt.openUrlExternally(link)
+                Accessible.role: Accessible.Link
+                Accessible.name: qsTr("Release Notes")
+                HoverHandler {
+                    cursorShape: Qt.PointingHandCursor
+                }
+            }
+        }
+        Label {
+            objectName: "aboutCopyright"
+            Layout.alignment: Qt.AlignHCenter
+            text: root.appInfo.copyright
+        }
+    }
+}

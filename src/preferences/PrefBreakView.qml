@@ -1,0 +1,236 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Lulltide
+
+// The second tab: the lengths of work and breaks, the user's own prompts and three switches.
+// Fields write on every keystroke and check nothing: text that is no number reads as the default.
+Item {
+    id: root
+    objectName: "breakView"
+
+    required property PrefState prefState
+
+    component SectionHeader: Label {
+        font.pixelSize: 12
+        font.bold: true
+    }
+    component RowLabel: Label {
+        Layout.alignment: Qt.AlignRight | Qt.AlignVCenter
+    }
+    // A field of one setting; its placeholder is the stored value.
+    component SettingField: TextField {
+        required property PrefState store
+        required property string setting
+        Layout.preferredWidth: 100
+        text: store[setting]
+        placeholderText: store[setting]
+        onTextEdited: store[setting] = text
+    }
+    component SectionDivider: Item {
+        Layout.fillWidth: true
+        Layout.minimumHeight: 20
+        SystemPalette {
+            id: dividerColors
+        }
+        Rectangle {
+            anchors.verticalCenter: parent.verticalCenter
+            width: parent.width
+            height: 1
+            color: dividerColors.mid
+        }
+    }
+
+    Flickable {
+        anchors.fill: parent
+        contentHeight: content.implicitHeight + 24
+        clip: true
+        boundsBehavior: Flickable.StopAtBounds
+
+        ColumnLayout {
+            id: content
+            x: 16 + 12
+            y: 12
+            width: root.width - 2 * x
+            spacing: 6
+
+            SectionHeader {
+                text: qsTr("Short Break Options")
+            }
+            GridLayout {
+                Layout.leftMargin: 20
+                columns: 2
+                columnSpacing: 8
+                rowSpacing: 6
+
+                RowLabel {
+                    id: shortEvery
+                    text: qsTr("Every")
+                }
+                RowLayout {
+                    spacing: 8
+                    SettingField {
+                        store: root.prefState
+                        objectName: "workTimeField"
+                        setting: "workTimeString"
+                        Accessible.name: qsTr("Work minutes")
+                    }
+                    Label {
+                        text: qsTr("mins")
+                    }
+                }
+
+                RowLabel {
+                    text: qsTr("Break")
+                }
+                RowLayout {
+                    spacing: 8
+                    SettingField {
+                        store: root.prefState
+                        objectName: "breakTimeField"
+                        setting: "breakTimeString"
+                        Accessible.name: qsTr("Short break seconds")
+                    }
+                    Label {
+                        text: qsTr("seconds")
+                    }
+                }
+
+                Label {
+                    text: qsTr("Text")
+                    Layout.alignment: Qt.AlignRight | Qt.AlignTop
+                    Layout.topMargin: (shortPromptSwitch.height - height) / 2
+                }
+                ColumnLayout {
+                    Switch {
+                        id: shortPromptSwitch
+                        objectName: "customBreakPrompt"
+                        text: qsTr("Custom break prompt")
+                        checked: root.prefState.customBreakPrompt
+                        onToggled: root.prefState.customBreakPrompt = checked
+                    }
+                    TextField {
+                        objectName: "breakPromptField"
+                        visible: root.prefState.customBreakPrompt
+                        Layout.preferredWidth: 300
+                        Layout.minimumWidth: 300
+                        text: root.prefState.breakPrompt
+                        placeholderText: root.prefState.breakPrompt
+                        onTextEdited: root.prefState.breakPrompt = text
+                        onVisibleChanged: if (visible && !activeFocus) cursorPosition = 0
+                        Accessible.name: qsTr("Short break prompt")
+                    }
+                }
+            }
+
+            SectionDivider {}
+
+            SectionHeader {
+                text: qsTr("Long Break Options")
+            }
+            GridLayout {
+                Layout.leftMargin: 20
+                columns: 2
+                columnSpacing: 8
+                rowSpacing: 6
+
+                RowLabel {
+                    text: qsTr("Every")
+                }
+                RowLayout {
+                    spacing: 8
+                    SettingField {
+                        store: root.prefState
+                        objectName: "shortBreakTimesField"
+                        setting: "shortBreakTimesString"
+                        Accessible.name: qsTr("Short breaks before a long one")
+                    }
+                    Label {
+                        text: qsTr("short breaks")
+                    }
+                }
+
+                RowLabel {
+                    text: qsTr("Break")
+                }
+                RowLayout {
+                    spacing: 8
+                    SettingField {
+                        store: root.prefState
+                        objectName: "longBreakTimeField"
+                        setting: "longBreakTimeString"
+                        Accessible.name: qsTr("Long break minutes")
+                    }
+                    Label {
+                        text: qsTr("mins")
+                    }
+                }
+
+                Label {
+                    text: qsTr("Text")
+                    Layout.alignment: Qt.AlignRight | Qt.AlignTop
+                    Layout.topMargin: (longPromptSwitch.height - height) / 2
+                }
+                ColumnLayout {
+                    Switch {
+                        id: longPromptSwitch
+                        objectName: "customLongBreakPrompt"
+                        text: qsTr("Custom break prompt")
+                        checked: root.prefState.customLongBreakPrompt
+                        onToggled: root.prefState.customLongBreakPrompt = checked
+                    }
+                    TextField {
+                        objectName: "longBreakPromptField"
+                        visible: root.prefState.customLongBreakPrompt
+                        Layout.preferredWidth: 300
+                        Layout.minimumWidth: 300
+                        text: root.prefState.longBreakPrompt
+                        placeholderText: root.prefState.longBreakPrompt
+                        onTextEdited: root.prefState.longBreakPrompt = text
+                        onVisibleChanged: if (visible && !activeFocus) cursorPosition = 0
+                        Accessible.name: qsTr("Long break prompt")
+                    }
+                }
+
+                Item {
+                    width: 1
+                    height: 1
+                }
+                Switch {
+                    objectName: "forceLongBreak"
+                    text: qsTr("Force for long breaks(skip button will not display)")
+                    checked: root.prefState.forceLongBreak
+                    onToggled: root.prefState.forceLongBreak = checked
+                }
+            }
+
+            SectionDivider {}
+
+            SectionHeader {
+                text: qsTr("Other Options")
+            }
+            ColumnLayout {
+                Layout.leftMargin: 20
+                spacing: 2
+                Switch {
+                    objectName: "restartTimerAfterAwake"
+                    text: qsTr("Restart timer after Mac awake")
+                    checked: root.prefState.restartTimerAfterAwake
+                    onToggled: root.prefState.restartTimerAfterAwake = checked
+                }
+                Switch {
+                    objectName: "stopTimerAfterMouseStop"
+                    text: qsTr("Stop timer after Mouse stop for 5 mins")
+                    checked: root.prefState.stopTimerAfterMouseStop
+                    onToggled: root.prefState.stopTimerAfterMouseStop = checked
+                }
+                Switch {
+                    objectName: "showNewDayTip"
+                    text: qsTr("Show a new day prompt")
+                    checked: root.prefState.showNewDayTip
+                    onToggled: root.prefState.showNewDayTip = checked
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,68 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Lulltide
+
+// The first tab: start, status bar, update and break-style options, labels right-aligned on
+// one column.
+Item {
+    id: root
+    objectName: "generalView"
+
+    required property PrefState prefState
+
+    GridLayout {
+        x: 16 + 12
+        y: 12
+        columns: 2
+        columnSpacing: 16
+        rowSpacing: 10
+
+        Label {
+            text: qsTr("Start options")
+            Layout.alignment: Qt.AlignRight | Qt.AlignVCenter
+        }
+        Switch {
+            objectName: "launchAtLogin"
+            text: qsTr("Launch at login")
+            checked: root.prefState.launchAtLogin
+            onToggled: root.prefState.launchAtLogin = checked
+        }
+
+        Label {
+            text: qsTr("StatusBar options")
+            Layout.alignment: Qt.AlignRight | Qt.AlignVCenter
+        }
+        Switch {
+            objectName: "showTime"
+            text: qsTr("Show time in StatusBar")
+            checked: root.prefState.showTime
+            onToggled: root.prefState.showTime = checked
+        }
+
+        Label {
+            text: qsTr("Update options")
+            Layout.alignment: Qt.AlignRight | Qt.AlignVCenter
+        }
+        Switch {
+            objectName: "autoCheckUpdate"
+            text: qsTr("Auto check update for Lulltide")
+            checked: root.prefState.autoCheckUpdate
+            onToggled: root.prefState.autoCheckUpdate = checked
+        }
+
+        Label {
+            id: styleLabel
+            text: qsTr("Break style")
+            Layout.alignment: Qt.AlignRight | Qt.AlignVCenter
+        }
+        ComboBox {
+            objectName: "generalBreakStyle"
+            Layout.preferredWidth: 130
+            model: root.prefState.styleState.styleDescriptions
+            currentIndex: root.prefState.styleState.breakStyleRawValue
+            onActivated: index => root.prefState.styleState.breakStyleRawValue = index
+            Accessible.name: styleLabel.text
+        }
+    }
+}

@@ -1,0 +1,64 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Lulltide
+import Lulltide
+
+// The settings window's content: four tabs, opening on the first. Every control writes its
+// setting at once; there is nothing to apply or cancel.
+Page {
+    id: root
+    objectName: "preferencesView"
+    anchors.fill: parent
+
+    required property PrefState prefState
+    required property var appInfo
+
+    header: TabBar {
+        id: tabs
+        objectName: "tabs"
+
+        TabButton {
+            objectName: "generalTab"
+            text: qsTr("General")
+            icon.name: "preferences-system"
+            width: Math.max(96, implicitWidth)
+        }
+        TabButton {
+            objectName: "workflowTab"
+            text: qsTr("Workflow")
+            icon.name: "preferences-desktop"
+            width: Math.max(96, implicitWidth)
+        }
+        TabButton {
+            objectName: "styleTab"
+            text: qsTr("Style")
+            icon.name: "accessories-dictionary"
+            width: Math.max(96, implicitWidth)
+        }
+        TabButton {
+            objectName: "aboutTab"
+            text: qsTr("About")
+            icon.name: "help-about"
+            width: Math.max(96, implicitWidth)
+        }
+    }
+
+    StackLayout {
+        anchors.fill: parent
+        currentIndex: tabs.currentIndex
+
+        PrefGeneralView {
+            prefState: root.prefState
+        }
+        PrefBreakView {
+            prefState: root.prefState
+        }
+        PrefStyleView {
+            styleState: root.prefState.styleState
+        }
+        PrefAboutView {
+            appInfo: root.appInfo
+        }
+    }
+}

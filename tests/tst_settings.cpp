@@ -1,0 +1,439 @@
+#include "support/ManualTickSource.h"
+#include "support/TestMain.h"
+
+#include "app/AppState.h"
+#include "break/BreakStyle.h"
+#include "break/IconFont.h"
+#include "break/PrefStyleState.h"
+#include "break/WindowController.h"
+#include "preferences/PrefState.h"
+#include "statusbar/AppInfo.h"
+#include "timer/TicktackController.h"
+#include "timer/TicktackState.h"
+
+#include <QDir>
+#include <QFontDatabase>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSettings>
+#include <QStyleHints>
+#include <QTemporaryDir>
+
+namespace {
+
+// Registers a font that is not there, or data that is no font: both end the process.
+int childMain(const QByteArray& mode)
+{
+    if (mode == "missing-font")
+        IconFont::registerFont(QStringLiteral(":/no-such-font"));
+    if (mode == "broken-font") {
+        QTemporaryDir dir;
+        QFile file(dir.filePath("iconfont"));
+        file.open(QIODevice::WriteOnly);
+        file.write("not a font at all");
+        file.close();
+        IconFont::registerFont(file.fileName());
+    }
+    return 0;
+}
+
+} // namespace
+
+class SettingsTest : public QObject {
+    Q_OBJECT
+
+    ManualTickSource* ticks = nullptr;
+
+    static PrefState& prefs() { return AppState::prefState(); }
+
+    static QQuickWindow* window()
+    {
+        for (QWindow* window : QGuiApplication::allWindows()) {
+            if (window->objectName() == "settingsWindow")
+                return qobject_cast<QQuickWindow*>(window);
+        }
+        return nullptr;
+    }
+
+    // Looks through the items as shown, delegates and popups included.
+    static QQuickItem* findIn(QQuickItem* parent, const QString& name)
+    {
+        for (QQuickItem* child : parent->childItems()) {
+            if (child->objectName() == name)
+                return child;
+            if (QQuickItem* found = findIn(child, name))
+                return found;
+        }
+        return nullptr;
+    }
+    static void findAllIn(QQuickItem* parent, const QString& name, QList<QQuickItem*>& found)
+    {
+        for (QQuickItem* child : parent->childItems()) {
+            if (child->objectName() == name)
+                found << child;
+            findAllIn(child, name, found);
+        }
+    }
+
+    static QQuickItem* find(const char* name)
+    {
+        QQuickItem* item = findIn(window()->contentItem(), name);
+        if (!item)
+            qWarning() << "no item named" << name;
+        return item;
+    }
+
+    static void click(QQuickItem* item)
+    {
+        QVERIFY(item);
+        const QPoint point = item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
+        // A second click on the same spot would be a double click: the events' time stamps,
+        // which QTest makes up, must lie further apart.
+        static QPoint lastPoint;
+        const int delay =
+            point == lastPoint ? QGuiApplication::styleHints()->mouseDoubleClickInterval() + 10 : -1;
+        QTest::mouseClick(window(), Qt::LeftButton, {}, point, delay);
+        lastPoint = point;
+    }
+
+    static void openTab(const char* name)
+    {
+        click(find(name));
+        QTRY_COMPARE(find("tabs")->property("currentIndex").toInt(),
+                     QStringList({"generalTab", "workflowTab", "styleTab", "aboutTab"}).indexOf(name));
+    }
+
+    // Types into a field as a person does: click, select all, type.
+    static void typeInto(const char* name, const QString& text)
+    {
+        QQuickItem* field = find(name);
+        click(field);
+        QTRY_VERIFY(field->hasActiveFocus());
+        QTest::keyClick(window(), Qt::Key_A, Qt::ControlModifier);
+        if (text.isEmpty())
+            QTest::keyClick(window(), Qt::Key_Backspace);
+        else
+            typeText(text);
+    }
+
+    static void typeText(const QString& text)
+    {
+        for (const QChar character : text)
+            QTest::sendKeyEvent(QTest::Click, window(), Qt::Key_unknown, QString(character), Qt::NoModifier);
+    }
+
+    // Picks the entry at `index` of a picker with the keyboard, as a person may.
+    static void pick(const char* name, int index)
+    {
+        QQuickItem* combo = find(name);
+        click(combo); // opens the list
+        QTRY_VERIFY(combo->property("popup").value<QObject*>()->property("opened").toBool());
+        const int from = combo->property("highlightedIndex").toInt();
+        for (int i = from; i < index; ++i)
+            QTest::keyClick(window(), Qt::Key_Down);
+        for (int i = from; i > index; --i)
+            QTest::keyClick(window(), Qt::Key_Up);
+        QTest::keyClick(window(), Qt::Key_Return);
+        QTRY_VERIFY(!combo->property("popup").value<QObject*>()->property("opened").toBool());
+    }
+
+    static QVariant stored(const char* key)
+    {
+        QSettings file(QDir::homePath() + "/.config/lulltide/lulltide.conf", QSettings::IniFormat);
+        return file.value(key);
+    }
+
+    static QStringList listedPrompts()
+    {
+        QStringList texts;
+        QQuickItem* list = find("promptList");
+        QMetaObject::invokeMethod(list, "forceLayout");
+        QList<QQuickItem*> rows;
+        findAllIn(list, "promptText", rows);
+        std::sort(rows.begin(), rows.end(), [](QQuickItem* a, QQuickItem* b) {
+            return a->mapToScene({0, 0}).y() < b->mapToScene({0, 0}).y();
+        });
+        for (QQuickItem* row : rows)
+            texts << row->property("text").toString();
+        return texts;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        ticks = new ManualTickSource;
+        TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
+        QCOMPARE(IconFont::registrations(), 0);
+        WindowController::showPrefView();
+        QVERIFY(window());
+        QVERIFY(QTest::qWaitForWindowExposed(window()));
+    }
+
+    void theWindowIsTitledSettingsAndOpensOnTheFirstOfFourTabs()
+    {
+        QCOMPARE(window()->title(), "Settings");
+        QCOMPARE(find("tabs")->property("currentIndex").toInt(), 0);
+        QStringList labels;
+        for (const char* tab : {"generalTab", "workflowTab", "styleTab", "aboutTab"})
+            labels << find(tab)->property("text").toString();
+        QCOMPARE(labels, QStringList({"General", "Workflow", "Style", "About"}));
+    }
+
+    void theWindowCannotBeMadeSmallerThan480By400()
+    {
+        QCOMPARE(window()->minimumSize(), QSize(480, 400));
+        window()->resize(300, 200);
+        QTRY_VERIFY(window()->width() >= 480 && window()->height() >= 400);
+        window()->resize(700, 600); // larger is fine
+        QTRY_COMPARE(window()->size(), QSize(700, 600));
+    }
+
+    void bothActionNamesOpenTheOneWindow()
+    {
+        QQuickWindow* first = window();
+        first->hide();
+        QVERIFY(WindowController::sendAction("showPreferencesWindow:"));
+        QTRY_VERIFY(first->isVisible());
+        QVERIFY(WindowController::sendAction("showSettingsWindow:"));
+        QVERIFY(!WindowController::sendAction("showSomethingElse:"));
+        int windows = 0;
+        for (QWindow* w : QGuiApplication::allWindows())
+            windows += w->objectName() == "settingsWindow" ? 1 : 0;
+        QCOMPARE(windows, 1);
+        QCOMPARE(window(), first);
+    }
+
+    void generalSwitchesWriteTheirSettingsAtOnce()
+    {
+        openTab("generalTab");
+        click(find("launchAtLogin"));
+        QTRY_COMPARE(prefs().launchAtLogin(), true);
+        QCOMPARE(stored("launch_at_login").toBool(), true);
+        QVERIFY(QFile::exists(QDir::homePath() + "/.config/autostart/org.lulltide.Lulltide.desktop"));
+        click(find("launchAtLogin"));
+        QTRY_COMPARE(prefs().launchAtLogin(), false);
+        QVERIFY(!QFile::exists(QDir::homePath() + "/.config/autostart/org.lulltide.Lulltide.desktop"));
+
+        click(find("showTime"));
+        QTRY_COMPARE(prefs().showTime(), false);
+        QCOMPARE(stored("show_time_in_status_bar").toBool(), false);
+        click(find("showTime"));
+        QTRY_COMPARE(prefs().showTime(), true);
+
+        click(find("autoCheckUpdate"));
+        QTRY_COMPARE(prefs().autoCheckUpdate(), false);
+        QCOMPARE(stored("auto_check_update").toBool(), false);
+    }
+
+    void aStyleChosenInTheGeneralTabShowsInTheStyleTabWithItsPrompts()
+    {
+        openTab("generalTab");
+        QCOMPARE(find("generalBreakStyle")->property("currentText").toString(), "Relaxation");
+        pick("generalBreakStyle", 1);
+        QTRY_COMPARE(prefs().styleState()->breakStyleRawValue(), 1);
+        QCOMPARE(stored("break_style").toInt(), 1);
+
+        openTab("styleTab");
+        QCOMPARE(find("styleBreakStyle")->property("currentIndex").toInt(), 1);
+        QTRY_COMPARE(listedPrompts(), BreakStyle(BreakStyle::struggle).prompts());
+
+        // And back from the Style tab: the General picker follows.
+        pick("styleBreakStyle", 0);
+        QTRY_COMPARE(prefs().styleState()->breakStyleRawValue(), 0);
+        QTRY_COMPARE(listedPrompts(), BreakStyle(BreakStyle::relaxation).prompts());
+        QCOMPARE(find("generalBreakStyle")->property("currentIndex").toInt(), 0);
+    }
+
+    void promptsAreListedAsStored()
+    {
+        for (int style : {0, 1}) {
+            prefs().styleState()->setBreakStyleRawValue(style);
+            QTRY_COMPARE(listedPrompts(), prefs().styleState()->prompts());
+        }
+    }
+
+    void emptyingTheWorkFieldStoresNothingAndTheNextPeriodLasts1500Seconds()
+    {
+        openTab("workflowTab");
+        QCOMPARE(find("workTimeField")->property("placeholderText").toString(), "25");
+        typeInto("workTimeField", "");
+        QTRY_COMPARE(prefs().workTimeString(), QString());
+        QCOMPARE(stored("work_time").toString(), QString());
+        QCOMPARE(prefs().workTime(), 1500.0);
+        AppState::setWorking(true);
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+    }
+
+    void fieldsWriteOnEveryKeystroke()
+    {
+        openTab("workflowTab");
+        typeInto("workTimeField", "4");
+        QTRY_COMPARE(prefs().workTimeString(), "4");
+        typeText("0");
+        QTRY_COMPARE(prefs().workTimeString(), "40");
+        QCOMPARE(stored("work_time").toString(), "40");
+        QCOMPARE(find("workTimeField")->property("placeholderText").toString(), "40");
+        typeInto("workTimeField", "abc"); // no validation: stored as typed, read as the default
+        QTRY_COMPARE(prefs().workTimeString(), "abc");
+        QCOMPARE(prefs().workTime(), 1500.0);
+        typeInto("workTimeField", "25");
+    }
+
+    void typing1Point5InTheBreakFieldGivesABreakOf1Point5Seconds()
+    {
+        openTab("workflowTab");
+        typeInto("breakTimeField", "1.5");
+        QTRY_COMPARE(prefs().breakTimeString(), "1.5");
+        QCOMPARE(prefs().breakTime(), 1.5);
+        typeInto("shortBreakTimesField", "2");
+        typeInto("longBreakTimeField", "20");
+        QTRY_COMPARE(prefs().shortBreakTimes(), 2);
+        QTRY_COMPARE(prefs().longBreakTime(), 1200.0);
+        QCOMPARE(stored("long_break_time").toString(), "20");
+    }
+
+    void customPromptSwitchShowsTheFieldWithTheStoredPromptAndHidingKeepsIt()
+    {
+        openTab("workflowTab");
+        const QString prompt = prefs().breakPrompt();
+        QQuickItem* field = find("breakPromptField");
+        QVERIFY(!field->isVisible());
+        click(find("customBreakPrompt"));
+        QTRY_VERIFY(field->isVisible());
+        QTRY_COMPARE(field->width(), 300.0);
+        QCOMPARE(field->property("text").toString(), prompt);
+        typeInto("breakPromptField", "站起来");
+        QTRY_COMPARE(prefs().breakPrompt(), "站起来");
+        click(find("customBreakPrompt"));
+        QTRY_VERIFY(!field->isVisible());
+        QCOMPARE(prefs().customBreakPrompt(), false);
+        QCOMPARE(prefs().breakPrompt(), "站起来");
+        QCOMPARE(stored("break_prompt_text").toString(), "站起来");
+
+        QQuickItem* longField = find("longBreakPromptField");
+        QVERIFY(!longField->isVisible());
+        click(find("customLongBreakPrompt"));
+        QTRY_VERIFY(longField->isVisible());
+        QCOMPARE(longField->property("text").toString(), prefs().longBreakPrompt());
+        // Off again from the keyboard: the switch has the focus since the click.
+        QTRY_VERIFY(find("customLongBreakPrompt")->hasActiveFocus());
+        QTest::keyClick(window(), Qt::Key_Space);
+        QTRY_VERIFY(!longField->isVisible());
+    }
+
+    void workflowSwitchesWriteTheirSettings()
+    {
+        openTab("workflowTab");
+        click(find("forceLongBreak"));
+        QTRY_COMPARE(prefs().forceLongBreak(), true);
+        click(find("restartTimerAfterAwake"));
+        QTRY_COMPARE(prefs().restartTimerAfterAwake(), false);
+        click(find("stopTimerAfterMouseStop"));
+        QTRY_COMPARE(prefs().stopTimerAfterMouseStop(), false);
+        click(find("showNewDayTip"));
+        QTRY_COMPARE(prefs().showNewDayTip(), true);
+        QCOMPARE(stored("force_long_break").toBool(), true);
+        QCOMPARE(stored("restart_timer_after_awake").toBool(), false);
+        QCOMPARE(stored("stop_timer_after_mouse_stop").toBool(), false);
+        QCOMPARE(stored("show_new_day_tip").toBool(), true);
+    }
+
+    void labelsAndSwitchesStandOnOneColumn()
+    {
+        openTab("workflowTab");
+        const qreal fieldLeft = find("workTimeField")->mapToScene({0, 0}).x();
+        QCOMPARE(find("breakTimeField")->mapToScene({0, 0}).x(), fieldLeft);
+        QCOMPARE(find("customBreakPrompt")->mapToScene({0, 0}).x(), fieldLeft);
+        QCOMPARE(find("shortBreakTimesField")->mapToScene({0, 0}).x(),
+                 find("customLongBreakPrompt")->mapToScene({0, 0}).x());
+        QCOMPARE(find("forceLongBreak")->mapToScene({0, 0}).x(),
+                 find("longBreakTimeField")->mapToScene({0, 0}).x());
+        QCOMPARE(find("workTimeField")->width(), 100.0);
+    }
+
+    void tabMovesThroughTheFieldsAndSwitchesInOrder()
+    {
+        openTab("workflowTab");
+        click(find("workTimeField"));
+        QTRY_VERIFY(find("workTimeField")->hasActiveFocus());
+        QTest::keyClick(window(), Qt::Key_Tab);
+        QTRY_VERIFY(find("breakTimeField")->hasActiveFocus());
+        QTest::keyClick(window(), Qt::Key_Tab);
+        QTRY_VERIFY(find("customBreakPrompt")->hasActiveFocus());
+        // A switch reached with the keyboard toggles with Space.
+        const bool before = prefs().customBreakPrompt();
+        QTest::keyClick(window(), Qt::Key_Space);
+        QTRY_COMPARE(prefs().customBreakPrompt(), !before);
+        QTest::keyClick(window(), Qt::Key_Space);
+        QTRY_COMPARE(prefs().customBreakPrompt(), before);
+    }
+
+    void aboutShowsTheGlyphNameVersionLinkAndCopyright()
+    {
+        openTab("aboutTab");
+        QCOMPARE(find("aboutGlyph")->property("text").toString(), QString(QChar(0xE64B)));
+        QCOMPARE(find("aboutGlyph")->property("font").value<QFont>().family(), "iconfont");
+        QCOMPARE(find("aboutGlyph")->property("font").value<QFont>().pixelSize(), 60);
+        QCOMPARE(find("aboutName")->property("text").toString(), "Lulltide");
+        QVERIFY(find("aboutName")->property("font").value<QFont>().bold());
+        QCOMPARE(find("aboutVersion")->property("text").toString(), "v1.0.0(1)");
+        QVERIFY(find("aboutReleaseNotes")
+                    ->property("text")
+                    .toString()
+                    .contains("href=\"https://lulltide.org/release_note/\">Release Notes<"));
+        QCOMPARE(find("aboutCopyright")->property("text").toString(), AppInfo::copyright());
+    }
+
+    void firstUseOfTheIconFontRegistersItAndLaterUsesDoNot()
+    {
+        QCOMPARE(IconFont::registrations(), 1); // the About tab's glyph
+        QCOMPARE(IconFont::name(), "iconfont");
+        QCOMPARE(IconFont::registrations(), 1);
+        QVERIFY(QFontDatabase::families().contains("iconfont"));
+        // The glyph draws something: its image is not empty.
+        const QImage image = IconFont(IconFont::muyu).loadIcon(64);
+        int inked = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                inked += qAlpha(image.pixel(x, y)) > 0 ? 1 : 0;
+        QVERIFY2(inked > 500, qPrintable(QString::number(inked)));
+    }
+
+    void glyphsAreNamedByExactlyTheirTwoCharacters()
+    {
+        QCOMPARE(IconFont::fromRawValue(QString(QChar(0xE64B))), IconFont(IconFont::muyu));
+        QCOMPARE(IconFont::fromRawValue(QString(QChar(0xE64C))), IconFont(IconFont::muyugun));
+        QVERIFY(!IconFont::fromRawValue(QString(QChar(0xE64D))));
+        QVERIFY(!IconFont::fromRawValue(QString(QChar(0xE64B)) + QChar(0xE64B)));
+        QVERIFY(!IconFont::fromRawValue(QString()));
+    }
+
+    void aMissingIconFontEndsTheProcessWithItsMessage()
+    {
+        const auto child = TestSupport::runChild("missing-font", QProcessEnvironment::systemEnvironment());
+        QVERIFY(child.crashed || child.exitCode != 0);
+        QVERIFY2(child.standardError.contains("Can not found font named: iconfont"),
+                 qPrintable(child.standardError));
+    }
+
+    void anUnreadableIconFontEndsTheProcessWithItsMessage()
+    {
+        const auto child = TestSupport::runChild("broken-font", QProcessEnvironment::systemEnvironment());
+        QVERIFY(child.crashed || child.exitCode != 0);
+        QVERIFY2(child.standardError.contains("Register Iconfont failed: "), qPrintable(child.standardError));
+    }
+
+    void closingTheWindowKeepsItForTheNextTime()
+    {
+        QQuickWindow* first = window();
+        first->close();
+        QTRY_VERIFY(!first->isVisible());
+        WindowController::showPrefView();
+        QTRY_VERIFY(first->isVisible());
+        QCOMPARE(window(), first);
+    }
+};
+
+LULLTIDE_TEST_MAIN_WITH_WINDOW_MANAGER(SettingsTest, childMain)
+
+#include "tst_settings.moc"
