@@ -20,6 +20,7 @@
 #include "statusbar/StatusNotifierTypes.h"
 #include "statusbar/StatusPopupMenu.h"
 #include "statusbar/TrayIcon.h"
+#include "statusbar/UpdateDialog.h"
 #include "timer/TicktackController.h"
 #include "timer/TicktackState.h"
 
@@ -620,11 +621,21 @@ private slots:
         settings->close();
     }
 
-    void theUpdateEntrySaysOnceThatChecksAreNotThereYet()
+    void theUpdateEntryChecksForUpdatesInTheUpdateDialog()
     {
-        const int updates = logCount("update checks are not part of this version yet");
+        qputenv("LULLTIDE_FEED_URL", "http://updates.example/appcast.xml"); // refused before any network
         click(6);
-        QTRY_COMPARE(logCount("update checks are not part of this version yet"), updates + 1);
+        UpdateDialog* dialog = nullptr;
+        QTRY_VERIFY((dialog = [] {
+            for (QWidget* widget : QApplication::topLevelWidgets())
+                if (auto* found = qobject_cast<UpdateDialog*>(widget); found && found->isVisible())
+                    return found;
+            return static_cast<UpdateDialog*>(nullptr);
+        }()));
+        QTRY_COMPARE(dialog->findChild<QLabel*>("updateHeadline")->text(),
+                     "Lulltide could not check for updates.");
+        dialog->hide();
+        qunsetenv("LULLTIDE_FEED_URL");
     }
 
     void feedbackHandsSubjectBodyTodaysLogAndTheAddressToXdgEmail()

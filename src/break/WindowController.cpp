@@ -9,6 +9,7 @@
 #include "preferences/PrefState.h"
 #include "statusbar/AboutDialog.h"
 #include "statusbar/AppInfo.h"
+#include "statusbar/Updater.h"
 #include "timer/TicktackState.h"
 
 #include <QGuiApplication>
@@ -101,7 +102,26 @@ QQuickWindow* window(QScreen* screen)
 
 } // namespace
 
-void setup() {}
+namespace {
+
+Updater& updaterController()
+{
+    // Whether to check by itself is read here, once: a later change counts from the next launch.
+    static Updater* updater = new Updater(AppState::prefState().autoCheckUpdate());
+    return *updater;
+}
+
+} // namespace
+
+void setup()
+{
+    updaterController();
+}
+
+Updater& updater()
+{
+    return updaterController();
+}
 
 namespace {
 
@@ -175,7 +195,7 @@ void showPrefView()
 
 void showUpdater()
 {
-    logger().info(QStringLiteral("update checks are not part of this version yet"));
+    updaterController().checkForUpdates();
 }
 
 void showAbout()

@@ -2,14 +2,18 @@
 
 class QScreen;
 class QQuickWindow;
+class Updater;
 class QString;
 
 // Opens and closes the application's own windows: one break window per screen, the settings
 // window, the update check and the About dialog.
 namespace WindowController {
 
-// Start-up hook for the parts that must exist from launch on.
+// Start-up: makes the updater, which checks by itself when that is on.
 void setup();
+
+// The process's one updater, made by setup().
+Updater& updater();
 
 // Shows (creating when needed) a break window on every screen, fades it in over one second
 // and gives the primary screen's one the keyboard focus.

@@ -1,0 +1,132 @@
+#include "Appcast.h"
+
+#include <QRegularExpression>
+#include <QXmlStreamReader>
+
+namespace Appcast {
+namespace {
+
+const QString sparkle = QStringLiteral("http://www.andymatuschak.org/xml-namespaces/sparkle");
+constexpr qsizetype longestText = 4096; // no field of a feed needs more
+
+std::optional<QList<quint64>> numbers(const QString& version)
+{
+    static const QRegularExpression dotted(QStringLiteral("^\\d{1,9}(\\.\\d{1,9}){0,5}$"));
+    if (!dotted.match(version).hasMatch())
+        return std::nullopt;
+    QList<quint64> parts;
+    for (const QString& part : version.split(u'.'))
+        parts << part.toULongLong();
+    return parts;
+}
+
+} // namespace
+
+std::optional<int> compareVersions(const QString& a, const QString& b)
+{
+    const auto left = numbers(a);
+    const auto right = numbers(b);
+    if (!left || !right)
+        return std::nullopt;
+    for (qsizetype i = 0; i < std::max(left->size(), right->size()); ++i) {
+        const quint64 x = left->value(i, 0);
+        const quint64 y = right->value(i, 0);
+        if (x != y)
+            return x < y ? -1 : 1;
+    }
+    return 0;
+}
+
+Result parse(const QByteArray& feed)
+{
+    Result result;
+    QXmlStreamReader xml(feed);
+    bool sawRss = false;
+    AppcastItem item;
+    bool inItem = false;
+    auto fail = [&](const QString& why) {
+        result.items.clear();
+        result.error = why;
+        return result;
+    };
+
+    while (!xml.atEnd()) {
+        xml.readNext();
+        if (xml.tokenType() == QXmlStreamReader::DTD)
+            return fail(QStringLiteral("the feed declares a document type, which no update feed needs"));
+        if (xml.tokenType() == QXmlStreamReader::StartElement) {
+            const auto name = xml.name();
+            for (const QXmlStreamAttribute& attribute : xml.attributes()) {
+                if (attribute.value().size() > longestText)
+                    return fail(
+                        QStringLiteral("the feed holds an attribute far too long for an update feed"));
+            }
+            if (!sawRss) {
+                if (name != QLatin1String("rss"))
+                    return fail(QStringLiteral("this is no RSS feed"));
+                sawRss = true;
+            } else if (name == QLatin1String("item")) {
+                inItem = true;
+                item = {};
+            } else if (inItem) {
+                const bool isSparkle = xml.namespaceUri() == sparkle;
+                if (name == QLatin1String("enclosure")) {
+                    const auto attributes = xml.attributes();
+                    item.downloadUrl = attributes.value(QLatin1String("url")).toString();
+                    if (item.version.isEmpty())
+                        item.version = attributes.value(sparkle, QLatin1String("version")).toString();
+                    if (item.shortVersion.isEmpty())
+                        item.shortVersion =
+                            attributes.value(sparkle, QLatin1String("shortVersionString")).toString();
+                } else if (name == QLatin1String("title") || isSparkle) {
+                    const QString text = xml.readElementText(QXmlStreamReader::SkipChildElements).trimmed();
+                    if (xml.hasError())
+                        break;
+                    if (text.size() > longestText)
+                        return fail(QStringLiteral("the feed holds a text far too long for an update feed"));
+                    if (name == QLatin1String("title"))
+                        item.title = text;
+                    else if (name == QLatin1String("version"))
+                        item.version = text;
+                    else if (name == QLatin1String("shortVersionString"))
+                        item.shortVersion = text;
+                    else if (name == QLatin1String("releaseNotesLink"))
+                        item.releaseNotesLink = text;
+                    else if (name == QLatin1String("minimumSystemVersion"))
+                        item.minimumSystemVersion = text;
+                }
+            }
+        } else if (xml.tokenType() == QXmlStreamReader::EndElement && xml.name() == QLatin1String("item")) {
+            inItem = false;
+            if (!numbers(item.version))
+                return fail(QStringLiteral("the feed names a version that is no version: ") +
+                            item.version.left(40));
+            if (item.shortVersion.isEmpty())
+                item.shortVersion = item.version;
+            result.items << item;
+        }
+    }
+    if (xml.hasError())
+        return fail(QStringLiteral("the feed is not well-formed XML (") + xml.errorString() + u')');
+    if (!sawRss)
+        return fail(QStringLiteral("this is no RSS feed"));
+    return result;
+}
+
+std::optional<AppcastItem> newestUpdate(const QList<AppcastItem>& items, const QString& current,
+                                        const QString& systemVersion)
+{
+    std::optional<AppcastItem> newest;
+    for (const AppcastItem& item : items) {
+        if (compareVersions(item.version, current).value_or(0) <= 0)
+            continue;
+        if (!item.minimumSystemVersion.isEmpty() &&
+            compareVersions(systemVersion, item.minimumSystemVersion).value_or(-1) < 0)
+            continue;
+        if (!newest || compareVersions(item.version, newest->version).value_or(0) > 0)
+            newest = item;
+    }
+    return newest;
+}
+
+} // namespace Appcast

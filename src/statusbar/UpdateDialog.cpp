@@ -1,0 +1,146 @@
+#include "UpdateDialog.h"
+
+#include "AppInfo.h"
+
+#include <QDesktopServices>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+UpdateDialog::UpdateDialog(QWidget* parent) : QDialog(parent)
+{
+    setObjectName(QStringLiteral("updateDialog"));
+    setWindowTitle(tr("Software Update"));
+    setMinimumWidth(420);
+
+    m_icon = new QLabel;
+    m_icon->setPixmap(AppInfo::icon().pixmap(64, 64));
+    m_icon->setAlignment(Qt::AlignTop);
+
+    m_headline = new QLabel;
+    m_headline->setObjectName(QStringLiteral("updateHeadline"));
+    QFont bold = m_headline->font();
+    bold.setBold(true);
+    bold.setPointSizeF(bold.pointSizeF() * 1.15);
+    m_headline->setFont(bold);
+
+    m_message = new QLabel;
+    m_message->setObjectName(QStringLiteral("updateMessage"));
+    m_message->setWordWrap(true);
+
+    m_notes = new QLabel;
+    m_notes->setObjectName(QStringLiteral("updateNotesLink"));
+    m_notes->setTextFormat(Qt::RichText);
+    m_notes->setOpenExternalLinks(true);
+    m_notes->setTextInteractionFlags(Qt::TextBrowserInteraction);
+
+    m_progress = new QProgressBar;
+    m_progress->setObjectName(QStringLiteral("updateProgress"));
+    m_progress->setRange(0, 0); // busy: how long a check takes is unknown
+
+    m_cancel = new QPushButton(tr("Cancel"));
+    m_cancel->setObjectName(QStringLiteral("cancelButton"));
+    m_download = new QPushButton(tr("Download"));
+    m_download->setObjectName(QStringLiteral("downloadButton"));
+    m_download->setDefault(true);
+    m_close = new QPushButton(tr("OK"));
+    m_close->setObjectName(QStringLiteral("closeButton"));
+
+    connect(m_cancel, &QPushButton::clicked, this, [this] {
+        emit cancelled();
+        hide();
+    });
+    connect(m_download, &QPushButton::clicked, this, [this] {
+        QDesktopServices::openUrl(m_downloadTarget);
+        hide();
+    });
+    connect(m_close, &QPushButton::clicked, this, &QDialog::hide);
+
+    auto* text = new QVBoxLayout;
+    text->addWidget(m_headline);
+    text->addWidget(m_message);
+    text->addWidget(m_notes);
+    text->addWidget(m_progress);
+    text->addStretch();
+    auto* top = new QHBoxLayout;
+    top->setSpacing(16);
+    top->addWidget(m_icon);
+    top->addLayout(text, 1);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(m_cancel);
+    buttons->addWidget(m_close);
+    buttons->addWidget(m_download);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(20, 20, 20, 16);
+    layout->addLayout(top);
+    layout->addSpacing(8);
+    layout->addLayout(buttons);
+}
+
+void UpdateDialog::present(const QString& headline, const QString& message)
+{
+    m_headline->setText(headline);
+    m_message->setText(message);
+    m_message->setVisible(!message.isEmpty());
+    adjustSize();
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+void UpdateDialog::showChecking()
+{
+    m_notes->hide();
+    m_progress->show();
+    m_cancel->show();
+    m_download->hide();
+    m_close->hide();
+    present(tr("Checking for updates…"), {});
+}
+
+void UpdateDialog::showUpToDate()
+{
+    m_notes->hide();
+    m_progress->hide();
+    m_cancel->hide();
+    m_download->hide();
+    m_close->show();
+    m_close->setText(tr("OK"));
+    present(tr("You're up to date!"),
+            tr("%1 %2 is currently the newest version available.").arg(AppInfo::name(), AppInfo::version()));
+}
+
+void UpdateDialog::showUpdate(const AppcastItem& update)
+{
+    m_downloadTarget = QUrl(update.downloadUrl.isEmpty() ? update.releaseNotesLink : update.downloadUrl);
+    const QUrl notes(update.releaseNotesLink);
+    m_notes->setText(
+        QStringLiteral("<a href=\"%1\">%2</a>").arg(notes.toString().toHtmlEscaped(), tr("Release Notes")));
+    m_notes->setVisible(notes.isValid() && !notes.isEmpty());
+    m_progress->hide();
+    m_cancel->hide();
+    m_close->show();
+    m_close->setText(tr("Later"));
+    m_download->setVisible(m_downloadTarget.isValid() && !m_downloadTarget.isEmpty());
+    present(tr("A new version of %1 is available!").arg(AppInfo::name()),
+            tr("%1 %2 is now available — you have %3. Your package manager installs it.")
+                .arg(AppInfo::name(), update.shortVersion, AppInfo::version()));
+}
+
+void UpdateDialog::showError(const QString& why)
+{
+    m_notes->hide();
+    m_progress->hide();
+    m_cancel->hide();
+    m_download->hide();
+    m_close->show();
+    m_close->setText(tr("OK"));
+    QString reason = why;
+    if (!reason.isEmpty())
+        reason[0] = reason[0].toUpper();
+    present(tr("Lulltide could not check for updates."), reason + u'.');
+}
