@@ -142,5 +142,5 @@ void UpdateDialog::showError(const QString& why)
     QString reason = why;
     if (!reason.isEmpty())
         reason[0] = reason[0].toUpper();
-    present(tr("Lulltide could not check for updates."), reason + u'.');
+    present(tr("%1 could not check for updates.").arg(AppInfo::name()), reason + u'.');
 }
