@@ -92,24 +92,25 @@ void UpdateDialog::present(const QString& headline, const QString& message)
     activateWindow();
 }
 
+void UpdateDialog::showParts(bool checking, bool notes, bool download, const QString& closeText)
+{
+    m_progress->setVisible(checking);
+    m_cancel->setVisible(checking);
+    m_notes->setVisible(notes);
+    m_download->setVisible(download);
+    m_close->setVisible(!checking);
+    m_close->setText(closeText);
+}
+
 void UpdateDialog::showChecking()
 {
-    m_notes->hide();
-    m_progress->show();
-    m_cancel->show();
-    m_download->hide();
-    m_close->hide();
+    showParts(true, false, false, {});
     present(tr("Checking for updates…"), {});
 }
 
 void UpdateDialog::showUpToDate()
 {
-    m_notes->hide();
-    m_progress->hide();
-    m_cancel->hide();
-    m_download->hide();
-    m_close->show();
-    m_close->setText(tr("OK"));
+    showParts(false, false, false, tr("OK"));
     present(tr("You're up to date!"),
             tr("%1 %2 is currently the newest version available.").arg(AppInfo::name(), AppInfo::version()));
 }
@@ -120,12 +121,8 @@ void UpdateDialog::showUpdate(const AppcastItem& update)
     const QUrl notes(update.releaseNotesLink);
     m_notes->setText(
         QStringLiteral("<a href=\"%1\">%2</a>").arg(notes.toString().toHtmlEscaped(), tr("Release Notes")));
-    m_notes->setVisible(notes.isValid() && !notes.isEmpty());
-    m_progress->hide();
-    m_cancel->hide();
-    m_close->show();
-    m_close->setText(tr("Later"));
-    m_download->setVisible(m_downloadTarget.isValid() && !m_downloadTarget.isEmpty());
+    showParts(false, notes.isValid() && !notes.isEmpty(),
+              m_downloadTarget.isValid() && !m_downloadTarget.isEmpty(), tr("Later"));
     present(tr("A new version of %1 is available!").arg(AppInfo::name()),
             tr("%1 %2 is now available — you have %3. Your package manager installs it.")
                 .arg(AppInfo::name(), update.shortVersion, AppInfo::version()));
@@ -133,12 +130,7 @@ void UpdateDialog::showUpdate(const AppcastItem& update)
 
 void UpdateDialog::showError(const QString& why)
 {
-    m_notes->hide();
-    m_progress->hide();
-    m_cancel->hide();
-    m_download->hide();
-    m_close->show();
-    m_close->setText(tr("OK"));
+    showParts(false, false, false, tr("OK"));
     QString reason = why;
     if (!reason.isEmpty())
         reason[0] = reason[0].toUpper();

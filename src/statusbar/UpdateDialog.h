@@ -29,6 +29,7 @@ signals:
     void cancelled();
 
 private:
+    void showParts(bool checking, bool notes, bool download, const QString& closeText);
     void present(const QString& headline, const QString& message);
 
     QLabel* m_icon = nullptr;
