@@ -14,6 +14,7 @@
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTemporaryDir>
 #include <QUrlQuery>
 
 using namespace std::chrono_literals;
@@ -202,6 +203,32 @@ private slots:
         QVERIFY(dialog->findChild<QPushButton*>("downloadButton")->isVisible());
         QCOMPARE(dialog->downloadUrl(), QUrl("https://lulltide.org/download/lulltide_1.10.1.deb"));
         dialog->hide();
+    }
+
+    void downloadOpensThePackageInTheBrowser()
+    {
+        // A stand-in xdg-open first on PATH records what it is asked to open.
+        QTemporaryDir tools;
+        const QString record = tools.filePath("opened");
+        QFile script(tools.filePath("xdg-open"));
+        script.open(QIODevice::WriteOnly);
+        script.write(("#!/bin/sh\nprintf '%s' \"$1\" > '" + record + "'\n").toUtf8());
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", tools.path().toUtf8() + ":" + path);
+
+        feed->serve(feedOf({"1.2.0"}));
+        Updater updater(false);
+        QCOMPARE(check(updater).outcome, Updater::Outcome::UpdateAvailable);
+        updater.dialog()->findChild<QPushButton*>("downloadButton")->click();
+        const auto opened = [&] {
+            QFile file(record);
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        QTRY_COMPARE(opened(), "https://lulltide.org/download/lulltide_1.2.0.deb");
+        QVERIFY(!updater.dialog()->isVisible());
+        qputenv("PATH", path);
     }
 
     void theSameVersionIsUpToDate()
