@@ -388,22 +388,13 @@ private slots:
     {
         // A stand-in xdg-open first on PATH records what it is asked to open.
         QTemporaryDir tools;
-        const QString record = tools.filePath("opened");
-        QFile script(tools.filePath("xdg-open"));
-        script.open(QIODevice::WriteOnly);
-        script.write(("#!/bin/sh\nprintf '%s' \"$1\" > '" + record + "'\n").toUtf8());
-        script.close();
-        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QString record = TestSupport::writeStandInTool(tools.path(), "xdg-open");
         const QByteArray path = qgetenv("PATH");
         qputenv("PATH", tools.path().toUtf8() + ":" + path);
 
         openTab("aboutTab");
         click(find("aboutReleaseNotes"));
-        const auto opened = [&] {
-            QFile file(record);
-            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        };
-        QTRY_COMPARE(opened(), "https://lulltide.org/release_note/");
+        QTRY_COMPARE(TestSupport::recordedArguments(record), QStringList{"https://lulltide.org/release_note/"});
         qputenv("PATH", path);
     }
 

@@ -193,29 +193,6 @@ class StatusBarTest : public QObject {
 
     static int logCount(const QString& text) { return int(TestSupport::logText().count(text)); }
 
-    QString writeTool(const QString& name, const QString& record)
-    {
-        const QString path = tools.filePath(name);
-        QFile script(path);
-        script.open(QIODevice::WriteOnly);
-        script.write(QStringLiteral("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\0' \"$a\"; done > '%1'\n")
-                         .arg(tools.filePath(record))
-                         .toUtf8());
-        script.close();
-        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return tools.filePath(record);
-    }
-
-    QStringList recordedArguments(const QString& record)
-    {
-        QFile file(record);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        QStringList arguments = QString::fromUtf8(file.readAll()).split(QChar(0));
-        arguments.removeLast();
-        return arguments;
-    }
-
 private slots:
     void initTestCase()
     {
@@ -640,16 +617,16 @@ private slots:
 
     void feedbackHandsSubjectBodyTodaysLogAndTheAddressToXdgEmail()
     {
-        const QString record = writeTool("xdg-email", "xdg-email.args");
+        const QString record = TestSupport::writeStandInTool(tools.path(), "xdg-email");
         qputenv("PATH", tools.path().toUtf8() + ":" + originalPath);
         click(7);
         QTRY_VERIFY(QFile::exists(record));
-        QTRY_COMPARE(recordedArguments(record).size(), 7);
+        QTRY_COMPARE(TestSupport::recordedArguments(record).size(), 7);
         const QString body =
             "Please use Chinese or English in your mail, if you can.\n\n\n\n\n\n\n\nApp version: v1.0.0(1)"
             "\ndevice model: " +
             AppInfo::model() + "\nsystem version: " + AppInfo::osVersion() + "\n";
-        QCOMPARE(recordedArguments(record),
+        QCOMPARE(TestSupport::recordedArguments(record),
                  QStringList({"--subject", "Lulltide Feedback", "--body", body, "--attach",
                               *Logger::logfilePath(), "feedback@lulltide.org"}));
         QVERIFY(QFile::exists(*Logger::logfilePath()));
@@ -658,7 +635,7 @@ private slots:
 
     void withoutXdgEmailFeedbackDoesNothingAtAll()
     {
-        const QString record = writeTool("xdg-email-elsewhere", "nothing.args");
+        const QString record = TestSupport::writeStandInTool(tools.path(), "xdg-email-elsewhere");
         const QString logBefore = TestSupport::logText();
         qputenv("PATH", QDir::tempPath().toUtf8() + "/no-such-folder");
         Feedback::compose();
@@ -693,13 +670,13 @@ private slots:
 
     void releaseNotesLinkOpensTheBrowser()
     {
-        const QString record = writeTool("xdg-open", "xdg-open.args");
+        const QString record = TestSupport::writeStandInTool(tools.path(), "xdg-open");
         qputenv("PATH", tools.path().toUtf8() + ":" + originalPath);
         AboutDialog* dialog = AboutDialog::showShared();
         QVERIFY(QTest::qWaitForWindowExposed(dialog));
         auto* notes = dialog->findChild<QLabel*>("aboutReleaseNotes");
         QTest::mouseClick(notes, Qt::LeftButton, {}, notes->rect().center());
-        QTRY_COMPARE(recordedArguments(record), QStringList{"https://lulltide.org/release_note/"});
+        QTRY_COMPARE(TestSupport::recordedArguments(record), QStringList{"https://lulltide.org/release_note/"});
         qputenv("PATH", originalPath);
         dialog->close();
     }

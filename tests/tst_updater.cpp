@@ -209,12 +209,7 @@ private slots:
     {
         // A stand-in xdg-open first on PATH records what it is asked to open.
         QTemporaryDir tools;
-        const QString record = tools.filePath("opened");
-        QFile script(tools.filePath("xdg-open"));
-        script.open(QIODevice::WriteOnly);
-        script.write(("#!/bin/sh\nprintf '%s' \"$1\" > '" + record + "'\n").toUtf8());
-        script.close();
-        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QString record = TestSupport::writeStandInTool(tools.path(), "xdg-open");
         const QByteArray path = qgetenv("PATH");
         qputenv("PATH", tools.path().toUtf8() + ":" + path);
 
@@ -222,11 +217,7 @@ private slots:
         Updater updater(false);
         QCOMPARE(check(updater).outcome, Updater::Outcome::UpdateAvailable);
         updater.dialog()->findChild<QPushButton*>("downloadButton")->click();
-        const auto opened = [&] {
-            QFile file(record);
-            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        };
-        QTRY_COMPARE(opened(), "https://lulltide.org/download/lulltide_1.2.0.deb");
+        QTRY_COMPARE(TestSupport::recordedArguments(record), QStringList{"https://lulltide.org/download/lulltide_1.2.0.deb"});
         QVERIFY(!updater.dialog()->isVisible());
         qputenv("PATH", path);
     }

@@ -131,6 +131,29 @@ void startPrivateDisplayWithWindowManager()
     ::usleep(300 * 1000);
 }
 
+QString writeStandInTool(const QString& folder, const QString& name)
+{
+    const QString record = folder + u'/' + name + QStringLiteral(".args");
+    QFile script(folder + u'/' + name);
+    script.open(QIODevice::WriteOnly);
+    script.write(QStringLiteral("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\0' \"$a\"; done > '%1'\n")
+                     .arg(record)
+                     .toUtf8());
+    script.close();
+    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return record;
+}
+
+QStringList recordedArguments(const QString& record)
+{
+    QFile file(record);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList arguments = QString::fromUtf8(file.readAll()).split(QChar(0));
+    arguments.removeLast();
+    return arguments;
+}
+
 QProcessEnvironment environmentWithHome(const QString& root)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

@@ -40,6 +40,13 @@ void startPrivateBuses();
 // for tests that need a window manager without disturbing the others on the shared display.
 void startPrivateDisplayWithWindowManager();
 
+// Writes a stand-in program `name` into `folder` that records its arguments in the file it
+// returns (one after another, each ended by a NUL), for programs we hand work to (xdg-email,
+// xdg-open). Put `folder` first on PATH to use it.
+QString writeStandInTool(const QString& folder, const QString& name);
+// What a stand-in tool was given; empty until it ran.
+QStringList recordedArguments(const QString& record);
+
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);
 
