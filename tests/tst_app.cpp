@@ -147,5 +147,5 @@ private slots:
     }
 };
 
-LULLTIDE_TEST_MAIN(AppTest)
+LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(AppTest, nullptr)
 #include "tst_app.moc"

@@ -259,5 +259,5 @@ private slots:
     }
 };
 
-LULLTIDE_TEST_MAIN(BreakScreenTest)
+LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(BreakScreenTest, nullptr)
 #include "tst_breakscreen.moc"

@@ -1,5 +1,6 @@
 #include "AppState.h"
 
+#include "StateChanges.h"
 #include "WorkItem.h"
 #include "break/PromptState.h"
 #include "preferences/PrefState.h"
@@ -53,6 +54,7 @@ void setWorking(bool working)
         item->setImage(image);
         item->setTitle(title);
     }
+    emit changes().changed();
 }
 
 std::shared_ptr<WorkItem> mouseMoveEventItem()
@@ -63,6 +65,12 @@ std::shared_ptr<WorkItem> mouseMoveEventItem()
 void setMouseMoveEventItem(std::shared_ptr<WorkItem> item)
 {
     pendingIdleItem = std::move(item);
+}
+
+StateChanges& changes()
+{
+    static StateChanges* notifier = new StateChanges;
+    return *notifier;
 }
 
 PromptState& promptState()

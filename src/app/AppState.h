@@ -3,6 +3,7 @@
 #include <memory>
 
 class PrefState;
+class StateChanges;
 class PromptState;
 class TicktackState;
 class WorkItem;
@@ -25,6 +26,9 @@ void setWorking(bool working);
 // The pending idle timeout. Replacing it does not cancel the previous item.
 std::shared_ptr<WorkItem> mouseMoveEventItem();
 void setMouseMoveEventItem(std::shared_ptr<WorkItem> item);
+
+// Raised after working or the manual pause was assigned and when break windows open or close.
+StateChanges& changes();
 
 PromptState& promptState();
 PrefState& prefState();

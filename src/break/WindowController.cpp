@@ -5,6 +5,7 @@
 #include "X11WindowHints.h"
 #include "app/AppState.h"
 #include "app/QmlEngine.h"
+#include "app/StateChanges.h"
 #include "logging/Logger.h"
 #include "preferences/PrefState.h"
 #include "statusbar/AboutDialog.h"
@@ -228,6 +229,7 @@ void showBreak()
         primary->raise();
         primary->requestActivate();
     }
+    emit AppState::changes().changed();
 }
 
 void closeBreak()
@@ -250,6 +252,7 @@ void closeBreak()
         if (window->objectName() == QLatin1String(breakWindowName) && !screenIds.contains(window->title()))
             window->hide();
     }
+    emit AppState::changes().changed();
 }
 
 } // namespace WindowController

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+
+// What scripts may ask of the running program, each with the same effect as its menu entry or
+// button. Used by the bus service; knows nothing of the bus.
+namespace AppControl {
+
+struct Status {
+    bool working = false;
+    bool manualPause = false;
+    bool inBreak = false;
+    QString workTimeString;
+    QString breakTimeString;
+};
+
+Status status();
+
+// One line for people and scripts: "working 24:13", "break 03:12", "paused" or "stopped"
+// (counting stopped by idleness or the screen lock).
+QString statusLine(const Status& status);
+
+// Pauses by hand as the menu's pause entry does; nothing when already paused. A break on the
+// screen is closed too: it covers the panel, so nobody could resume from there, and its
+// countdown no longer runs.
+void pause();
+// Ends a pause by hand, or restarts counting stopped by idleness; a running work period or
+// break goes on untouched.
+void resume();
+// The menu's pause entry, with pause()'s closing of a break.
+void togglePause();
+// The Skip button: false (and nothing happens) when no break is up or the break is forced.
+bool skip();
+void showSettings();
+// Ends the program once the current event (a bus call's reply) is done.
+void quit();
+
+} // namespace AppControl

@@ -1,0 +1,89 @@
+#include "ControlService.h"
+
+#include "AppState.h"
+#include "Config.h"
+#include "StateChanges.h"
+#include "timer/TicktackState.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+
+const QString ControlService::serviceName = QString::fromUtf8(Config::appId);
+const QString ControlService::objectPath = QStringLiteral("/org/lulltide/Lulltide");
+const QString ControlService::interfaceName = QStringLiteral("org.lulltide.Lulltide");
+
+ControlService::ControlService(QDBusConnection connection, QObject* parent)
+    : QObject(parent), m_connection(std::move(connection)), m_announced(AppControl::status())
+{
+    m_countdownPending.setSingleShot(true);
+    connect(&m_countdownPending, &QTimer::timeout, this, &ControlService::announce);
+    connect(&AppState::changes(), &StateChanges::changed, this, &ControlService::announce);
+    connect(&AppState::workState(), &TicktackState::timeStringChanged, this, &ControlService::announce);
+    connect(&AppState::breakState(), &TicktackState::timeStringChanged, this, &ControlService::announce);
+}
+
+ControlService::Claim ControlService::claim()
+{
+    if (!m_connection.isConnected())
+        return Claim::NoBus;
+    // The object first: whoever sees the name can call it at once.
+    if (!m_connection.registerObject(objectPath, this,
+                                     QDBusConnection::ExportAllProperties | QDBusConnection::ExportAllSlots))
+        return Claim::AlreadyRunning;
+    const auto reply =
+        m_connection.interface()->registerService(serviceName, QDBusConnectionInterface::DontQueueService,
+                                                  QDBusConnectionInterface::DontAllowReplacement);
+    if (!reply.isValid())
+        return Claim::NoBus;
+    if (reply.value() != QDBusConnectionInterface::ServiceRegistered) {
+        m_connection.unregisterObject(objectPath);
+        return Claim::AlreadyRunning;
+    }
+    return Claim::Owned;
+}
+
+void ControlService::announce()
+{
+    const AppControl::Status now = AppControl::status();
+    QVariantMap changed;
+    if (now.working != m_announced.working)
+        changed.insert(QStringLiteral("Working"), now.working);
+    if (now.manualPause != m_announced.manualPause)
+        changed.insert(QStringLiteral("ManualPause"), now.manualPause);
+    if (now.inBreak != m_announced.inBreak)
+        changed.insert(QStringLiteral("InBreak"), now.inBreak);
+
+    const bool countdownChanged = now.workTimeString != m_announced.workTimeString ||
+                                  now.breakTimeString != m_announced.breakTimeString;
+    if (countdownChanged) {
+        const qint64 since = m_sinceCountdown.isValid() ? m_sinceCountdown.elapsed() : countdownInterval;
+        if (since >= countdownInterval - countdownSlack) {
+            if (now.workTimeString != m_announced.workTimeString)
+                changed.insert(QStringLiteral("WorkTimeString"), now.workTimeString);
+            if (now.breakTimeString != m_announced.breakTimeString)
+                changed.insert(QStringLiteral("BreakTimeString"), now.breakTimeString);
+            m_sinceCountdown.start();
+            m_countdownPending.stop();
+        } else if (!m_countdownPending.isActive()) {
+            m_countdownPending.start(int(countdownInterval - since));
+        }
+    }
+    if (changed.isEmpty())
+        return;
+
+    if (changed.contains(QStringLiteral("Working")))
+        m_announced.working = now.working;
+    if (changed.contains(QStringLiteral("ManualPause")))
+        m_announced.manualPause = now.manualPause;
+    if (changed.contains(QStringLiteral("InBreak")))
+        m_announced.inBreak = now.inBreak;
+    if (changed.contains(QStringLiteral("WorkTimeString")))
+        m_announced.workTimeString = now.workTimeString;
+    if (changed.contains(QStringLiteral("BreakTimeString")))
+        m_announced.breakTimeString = now.breakTimeString;
+
+    QDBusMessage signal = QDBusMessage::createSignal(
+        objectPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"));
+    signal << interfaceName << changed << QStringList();
+    m_connection.send(signal);
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "AppControl.h"
+
+#include <QDBusConnection>
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+
+// The running program on the session bus: owns the name that makes it the one instance and
+// exports /org/lulltide/Lulltide, through which the command line and other scripts read the
+// cycle and pause, resume, skip or quit it.
+class ControlService : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.lulltide.Lulltide")
+    Q_PROPERTY(bool Working READ working)
+    Q_PROPERTY(bool ManualPause READ manualPause)
+    Q_PROPERTY(bool InBreak READ inBreak)
+    Q_PROPERTY(QString WorkTimeString READ workTimeString)
+    Q_PROPERTY(QString BreakTimeString READ breakTimeString)
+
+public:
+    static const QString serviceName;
+    static const QString objectPath;
+    static const QString interfaceName;
+
+    enum class Claim { Owned, AlreadyRunning, NoBus };
+
+    explicit ControlService(QDBusConnection connection, QObject* parent = nullptr);
+
+    // Exports the object, then asks for the name; AlreadyRunning when another process has it.
+    Claim claim();
+
+    bool working() const { return AppControl::status().working; }
+    bool manualPause() const { return AppControl::status().manualPause; }
+    bool inBreak() const { return AppControl::status().inBreak; }
+    QString workTimeString() const { return AppControl::status().workTimeString; }
+    QString breakTimeString() const { return AppControl::status().breakTimeString; }
+
+    // The shortest time between two announcements of the countdown texts, and a little less:
+    // one tick a second must get through even when the clock reads it a few milliseconds early.
+    static constexpr int countdownInterval = 1000;
+    static constexpr int countdownSlack = 50;
+
+public slots:
+    void TogglePause() { AppControl::togglePause(); }
+    void Pause() { AppControl::pause(); }
+    void Resume() { AppControl::resume(); }
+    void Skip() { AppControl::skip(); }
+    void ShowSettings() { AppControl::showSettings(); }
+    void Quit() { AppControl::quit(); }
+
+private:
+    // Sends PropertiesChanged with whatever differs from what was last announced; the
+    // countdown texts wait when they were announced less than a second ago.
+    void announce();
+
+    QDBusConnection m_connection;
+    AppControl::Status m_announced;
+    QElapsedTimer m_sinceCountdown;
+    QTimer m_countdownPending;
+};

@@ -1,0 +1,507 @@
+#include "support/ManualTickSource.h"
+#include "support/TestMain.h"
+
+#include "app/AppControl.h"
+#include "app/AppState.h"
+#include "app/ControlService.h"
+#include "timer/TicktackController.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+// Control from scripts: the real program on this test's own session bus, driven by the command
+// line (`lulltide --pause` and the rest) and read through its bus object, as a script or a
+// keyboard shortcut would.
+class ControlTest : public QObject {
+    Q_OBJECT
+
+    const QString service = "org.lulltide.Lulltide";
+    const QString path = "/org/lulltide/Lulltide";
+
+    // One running Lulltide with its own HOME.
+    struct Instance {
+        QTemporaryDir home;
+        QProcess process;
+        QString log() const { return TestSupport::logTextIn(home.path()); }
+        ~Instance()
+        {
+            process.terminate();
+            process.waitForFinished(5000);
+        }
+    };
+
+    struct Ran {
+        int exitCode = -1;
+        QString out;
+        QString err;
+    };
+
+    static QProcessEnvironment environment(const QString& home)
+    {
+        QProcessEnvironment environment = TestSupport::environmentWithHome(home);
+        environment.insert("LC_ALL", "C.UTF-8");
+        environment.remove("LANGUAGE");
+        return environment;
+    }
+
+    // Runs `lulltide arguments` to its end, as a script does.
+    static Ran lulltide(const QStringList& arguments, QProcessEnvironment env = {})
+    {
+        static QTemporaryDir clientHome;
+        QProcess process;
+        process.setProcessEnvironment(env.isEmpty() ? environment(clientHome.path()) : env);
+        process.start(LULLTIDE_BINARY, arguments);
+        process.waitForFinished(15000);
+        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+                QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    }
+
+    static QString status() { return lulltide({"--status"}).out.trimmed(); }
+
+    static bool serviceOwned()
+    {
+        return QDBusConnection::sessionBus().interface()->isServiceRegistered("org.lulltide.Lulltide");
+    }
+
+    void start(Instance& instance, const QByteArray& settings = {})
+    {
+        QDir().mkpath(instance.home.path() + "/.config/lulltide");
+        QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nauto_check_update=false\n" + settings);
+        conf.close();
+        instance.process.setProcessEnvironment(environment(instance.home.path()));
+        instance.process.start(LULLTIDE_BINARY, {});
+        QVERIFY(instance.process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(serviceOwned(), 10000);
+    }
+
+    // The visible windows of the program, as the X server lists them.
+    static QStringList visibleWindows(const Instance& instance)
+    {
+        QProcess search;
+        search.start("xdotool",
+                     {"search", "--onlyvisible", "--pid", QString::number(instance.process.processId())});
+        search.waitForFinished(10000);
+        return QString::fromUtf8(search.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+    }
+
+    static QString windowName(const QString& window)
+    {
+        QProcess name;
+        name.start("xdotool", {"getwindowname", window});
+        name.waitForFinished(10000);
+        return QString::fromUtf8(name.readAllStandardOutput()).trimmed();
+    }
+
+    QVariant property(const QString& name)
+    {
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(service, path, "org.freedesktop.DBus.Properties", "Get");
+        call << "org.lulltide.Lulltide" << name;
+        const QDBusMessage reply = QDBusConnection::sessionBus().call(call);
+        return reply.arguments().isEmpty() ? QVariant()
+                                           : reply.arguments().first().value<QDBusVariant>().variant();
+    }
+
+    // What PropertiesChanged announced, with when it came.
+    struct Announcement {
+        qint64 at;
+        QVariantMap changed;
+    };
+    QList<Announcement> announcements;
+    QElapsedTimer clock;
+
+private slots:
+    void onPropertiesChanged(const QString& interface, const QVariantMap& changed, const QStringList&)
+    {
+        if (interface == "org.lulltide.Lulltide")
+            announcements.append({clock.elapsed(), changed});
+    }
+
+private slots:
+    void initTestCase()
+    {
+        clock.start();
+        QVERIFY(QDBusConnection::sessionBus().connect(
+            QString(), path, "org.freedesktop.DBus.Properties", "PropertiesChanged", this,
+            SLOT(onPropertiesChanged(QString, QVariantMap, QStringList))));
+    }
+
+    void withNoInstanceEveryControlCommandSaysNotRunningAndExits1_data()
+    {
+        QTest::addColumn<QString>("option");
+        for (const char* option :
+             {"--pause", "--resume", "--toggle-pause", "--skip", "--settings", "--status", "--quit"})
+            QTest::newRow(option) << QString(option);
+    }
+
+    void withNoInstanceEveryControlCommandSaysNotRunningAndExits1()
+    {
+        QFETCH(QString, option);
+        QTemporaryDir home;
+        const Ran ran = lulltide({option}, environment(home.path()));
+        QCOMPARE(ran.exitCode, 1);
+        QCOMPARE(ran.err, "Lulltide is not running.\n");
+        QCOMPARE(ran.out, "");
+        // Nothing was started: no instance on the bus, no log, no settings.
+        QVERIFY(!serviceOwned());
+        QVERIFY(!QFile::exists(home.path() + "/.cache/Logs"));
+        QVERIFY(!QFile::exists(home.path() + "/.config/lulltide"));
+    }
+
+    void withNoSessionBusControlCommandsSayWhyAndExit1()
+    {
+        QTemporaryDir home;
+        QProcessEnvironment env = environment(home.path());
+        env.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.path() + "/no-bus");
+        const Ran ran = lulltide({"--status"}, env);
+        QCOMPARE(ran.exitCode, 1);
+        QCOMPARE(ran.err, "Lulltide is not running: there is no D-Bus session bus to reach it.\n");
+    }
+
+    void helpListsEveryControlOption()
+    {
+        const Ran ran = lulltide({"--help"});
+        QCOMPARE(ran.exitCode, 0);
+        for (const char* option : {"--pause", "--resume", "--toggle-pause", "--skip", "--settings",
+                                   "--status", "--quit", "--version"})
+            QVERIFY2(ran.out.contains(option), option);
+    }
+
+    void versionPrintsNameAndVersion()
+    {
+        const Ran ran = lulltide({"--version"});
+        QCOMPARE(ran.exitCode, 0);
+        QCOMPARE(ran.out, "Lulltide 1.0.0\n");
+    }
+
+    void twoCommandsAtOnceAreRefused()
+    {
+        const Ran ran = lulltide({"--pause", "--quit"});
+        QCOMPARE(ran.exitCode, 1);
+        QCOMPARE(ran.err, "Give one option at a time: --pause and --quit were both given.\n");
+    }
+
+    void anUnknownOptionIsRefusedWithoutStarting()
+    {
+        const Ran ran = lulltide({"--bogus"});
+        QCOMPARE(ran.exitCode, 1);
+        QVERIFY2(ran.err.contains("Unknown option 'bogus'."), qPrintable(ran.err));
+        QVERIFY(!serviceOwned());
+    }
+
+    void statusPrintsWorkingAndTheCountdown()
+    {
+        Instance instance;
+        start(instance);
+        const Ran ran = lulltide({"--status"});
+        QCOMPARE(ran.exitCode, 0);
+        QVERIFY2(QRegularExpression("^working (25:00|24:5\\d)\n$").match(ran.out).hasMatch(),
+                 qPrintable(ran.out));
+    }
+
+    void secondBareLaunchSaysAlreadyRunningAndExitsAtOnce()
+    {
+        Instance instance;
+        start(instance);
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
+        QElapsedTimer took;
+        took.start();
+        const Ran ran = lulltide({}, environment(instance.home.path()));
+        QCOMPARE(ran.exitCode, 0);
+        QCOMPARE(ran.out, "Lulltide is already running.\n");
+        QVERIFY2(took.elapsed() < 5000, qPrintable(QString::number(took.elapsed())));
+        // The first one runs on, alone: one start in the shared log, no second work period.
+        QCOMPARE(instance.process.state(), QProcess::Running);
+        QCOMPARE(instance.log().count("hello Lulltide"), 1);
+        QCOMPARE(instance.log().count("ticktack timer start 1500.0"), 1);
+        QVERIFY(visibleWindows(instance).isEmpty());
+    }
+
+    void twoLaunchesAtOnceLeaveExactlyOneInstance()
+    {
+        Instance first;
+        Instance second;
+        for (Instance* instance : {&first, &second}) {
+            instance->process.setProcessEnvironment(environment(instance->home.path()));
+            instance->process.start(LULLTIDE_BINARY, {});
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(first.process.state() == QProcess::NotRunning ||
+                                     second.process.state() == QProcess::NotRunning,
+                                 10000);
+        QTest::qWait(500);
+        Instance& gone = first.process.state() == QProcess::NotRunning ? first : second;
+        Instance& running = &gone == &first ? second : first;
+        QCOMPARE(running.process.state(), QProcess::Running);
+        QCOMPARE(gone.process.exitCode(), 0);
+        QCOMPARE(QString::fromUtf8(gone.process.readAllStandardOutput()), "Lulltide is already running.\n");
+    }
+
+    void pauseShowsPausedAndResumeStartsAFullWorkPeriod()
+    {
+        Instance instance;
+        start(instance);
+        QCOMPARE(lulltide({"--pause"}).exitCode, 0);
+        QCOMPARE(status(), "paused");
+        QCOMPARE(property("ManualPause").toBool(), true);
+        QCOMPARE(property("Working").toBool(), false);
+        // A second pause changes nothing.
+        QCOMPARE(lulltide({"--pause"}).exitCode, 0);
+        QCOMPARE(status(), "paused");
+        QCOMPARE(lulltide({"--resume"}).exitCode, 0);
+        QVERIFY2(QRegularExpression("^working (25:00|24:59)$").match(status()).hasMatch(),
+                 qPrintable(status()));
+        QCOMPARE(property("ManualPause").toBool(), false);
+        QCOMPARE(instance.log().count("ticktack timer start 1500.0"), 2);
+    }
+
+    void resumeWhileWorkingLeavesTheCountdownAlone()
+    {
+        Instance instance;
+        start(instance);
+        QCOMPARE(lulltide({"--resume"}).exitCode, 0);
+        QTest::qWait(300);
+        QCOMPARE(instance.log().count("ticktack timer start 1500.0"), 1);
+    }
+
+    void togglePauseSwitchesBetweenPausedAndWorking()
+    {
+        Instance instance;
+        start(instance);
+        QCOMPARE(lulltide({"--toggle-pause"}).exitCode, 0);
+        QCOMPARE(status(), "paused");
+        QCOMPARE(lulltide({"--toggle-pause"}).exitCode, 0);
+        QVERIFY(status().startsWith("working "));
+    }
+
+    void skipWithNoBreakUpLeavesTheCountdownAlone()
+    {
+        Instance instance;
+        start(instance);
+        QCOMPARE(lulltide({"--skip"}).exitCode, 0);
+        QTest::qWait(300);
+        QVERIFY(!instance.log().contains("skip break view"));
+        QCOMPARE(instance.log().count("ticktack timer start 1500.0"), 1);
+    }
+
+    void statusDuringABreakPrintsBreakAndItsCountdown()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 10000);
+        QVERIFY2(QRegularExpression("^break 03:(20|1\\d)$").match(status()).hasMatch(), qPrintable(status()));
+        QCOMPARE(property("InBreak").toBool(), true);
+    }
+
+    void pauseDuringABreakClosesTheBreakWindows()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 5000);
+        QCOMPARE(lulltide({"--pause"}).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(visibleWindows(instance).isEmpty(), 3000);
+        QCOMPARE(status(), "paused");
+        QCOMPARE(property("InBreak").toBool(), false);
+        // Nothing counts any more: no break countdown runs behind the closed windows.
+        const QString log = instance.log();
+        const QStringList lines = log.trimmed().split('\n');
+        QVERIFY(lines.at(lines.size() - 2).endsWith(" : ticktack timer stoped 1.0"));
+        QVERIFY(lines.last().endsWith(" : paused during a break: closing the break windows"));
+        QTest::qWait(1500);
+        QCOMPARE(instance.log(), log);
+    }
+
+    void skipDuringABreakEndsItAndStartsWork()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 5000);
+        QCOMPARE(lulltide({"--skip"}).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(visibleWindows(instance).isEmpty(), 3000);
+        QVERIFY(status().startsWith("working 00:0"));
+        QCOMPARE(instance.log().count("skip break view"), 1);
+    }
+
+    void skipDuringAForcedLongBreakDoesNothing()
+    {
+        Instance instance;
+        // Every break is long (one in a rotation of one), and long breaks are forced.
+        start(instance, "work_time=0.05\nshort_break_times=1\nlong_break_time=3\nforce_long_break=true\n");
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 10000);
+        QCOMPARE(lulltide({"--skip"}).exitCode, 0);
+        QTest::qWait(500);
+        QVERIFY(status().startsWith("break "));
+        QVERIFY(!visibleWindows(instance).isEmpty());
+        QVERIFY(!instance.log().contains("skip break view"));
+    }
+
+    void settingsOpensTheSettingsWindow()
+    {
+        Instance instance;
+        start(instance);
+        QCOMPARE(lulltide({"--settings"}).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(visibleWindows(instance).size() == 1, 10000);
+        QCOMPARE(windowName(visibleWindows(instance).first()), "Settings");
+        // Asked again, the same window comes to the front.
+        QCOMPARE(lulltide({"--settings"}).exitCode, 0);
+        QTest::qWait(500);
+        QCOMPARE(visibleWindows(instance).size(), 1);
+    }
+
+    void quitEndsTheRunningInstance()
+    {
+        Instance instance;
+        start(instance);
+        QCOMPARE(lulltide({"--quit"}).exitCode, 0);
+        QVERIFY(instance.process.waitForFinished(5000));
+        QCOMPARE(instance.process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(instance.process.exitCode(), 0);
+        QTRY_VERIFY(!serviceOwned());
+        QCOMPARE(lulltide({"--status"}).exitCode, 1);
+    }
+
+    void theBusObjectOffersItsPropertiesAndMethods()
+    {
+        Instance instance;
+        start(instance);
+        QProcess introspect;
+        introspect.start("gdbus", {"introspect", "--session", "--dest", service, "--object-path", path});
+        QVERIFY(introspect.waitForFinished(10000));
+        const QString text = QString::fromUtf8(introspect.readAllStandardOutput());
+        QVERIFY2(text.contains("interface org.lulltide.Lulltide {"), qPrintable(text));
+        for (const char* member :
+             {"readonly b Working", "readonly b ManualPause", "readonly b InBreak",
+              "readonly s WorkTimeString", "readonly s BreakTimeString", "TogglePause();", "Pause();",
+              "Resume();", "Skip();", "ShowSettings();", "Quit();"})
+            QVERIFY2(text.contains(member), member);
+        // A method call changes the state as the command line does.
+        QProcess call;
+        call.start("gdbus", {"call", "--session", "--dest", service, "--object-path", path, "--method",
+                             "org.lulltide.Lulltide.Pause"});
+        QVERIFY(call.waitForFinished(10000));
+        QCOMPARE(call.exitCode(), 0);
+        QCOMPARE(status(), "paused");
+    }
+
+    void pauseIsAnnouncedAtOnceWithPropertiesChanged()
+    {
+        Instance instance;
+        start(instance);
+        QTest::qWait(300);
+        announcements.clear();
+        QCOMPARE(lulltide({"--pause"}).exitCode, 0);
+        QTRY_VERIFY(!announcements.isEmpty());
+        bool paused = false;
+        for (const Announcement& announcement : announcements) {
+            if (announcement.changed.value("ManualPause").toBool() &&
+                announcement.changed.contains("Working") && !announcement.changed.value("Working").toBool())
+                paused = true;
+        }
+        QVERIFY(paused);
+    }
+
+    void withoutASessionBusItRunsAloneAndSaysSoOnce()
+    {
+        Instance instance;
+        QProcessEnvironment env = environment(instance.home.path());
+        env.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + instance.home.path() + "/no-bus");
+        instance.process.setProcessEnvironment(env);
+        instance.process.start(LULLTIDE_BINARY, {});
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
+        QTest::qWait(1500);
+        QCOMPARE(instance.process.state(), QProcess::Running);
+        QCOMPARE(instance.log().count("no D-Bus session bus: running as a lone instance"), 1);
+        QVERIFY(instance.log().contains("ticktack timer start 1500.0"));
+    }
+
+    // The rest runs the service inside this test, with time stepped by hand.
+    void countdownIsAnnouncedAtMostOncePerSecond()
+    {
+        auto* ticks = new ManualTickSource;
+        TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
+        {
+            QDBusConnection connection =
+                QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("inprocess"));
+            ControlService control(connection);
+            QCOMPARE(control.claim(), ControlService::Claim::Owned);
+            AppState::setWorking(true);
+            QTest::qWait(1100);
+            announcements.clear();
+            const qint64 from = clock.elapsed();
+            ticks->tick(5); // five seconds' ticks at once
+            QTRY_VERIFY(!announcements.isEmpty());
+            QTest::qWait(300);
+            QCOMPARE(announcements.size(), 1);
+            QCOMPARE(announcements.first().changed.value("WorkTimeString").toString(), "24:59");
+            // The latest countdown follows once the second is over.
+            QTRY_COMPARE_WITH_TIMEOUT(announcements.size(), 2, 3000);
+            QCOMPARE(announcements.last().changed.value("WorkTimeString").toString(), "24:55");
+            QVERIFY(announcements.last().at - announcements.first().at >=
+                    ControlService::countdownInterval - ControlService::countdownSlack);
+            QVERIFY(announcements.first().at >= from);
+            QTest::qWait(1200);
+            QCOMPARE(announcements.size(), 2); // nothing changed since, nothing more is said
+        }
+        QDBusConnection::disconnectFromBus(QStringLiteral("inprocess"));
+        QTRY_VERIFY(!serviceOwned());
+    }
+
+    void stateChangesAreAnnouncedAtOnceEvenRightAfterATick()
+    {
+        auto* ticks = new ManualTickSource;
+        TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
+        {
+            QDBusConnection connection =
+                QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("inprocess2"));
+            ControlService control(connection);
+            QCOMPARE(control.claim(), ControlService::Claim::Owned);
+            AppState::setWorking(true);
+            QTest::qWait(1100);
+            ticks->tick();
+            announcements.clear();
+            AppControl::pause();
+            // The tick's countdown may still be on its way; the pause comes with it or after it.
+            const auto pauseAnnounced = [&] {
+                for (const Announcement& announcement : announcements) {
+                    if (announcement.changed.value("ManualPause") == true &&
+                        announcement.changed.value("Working") == false)
+                        return true;
+                }
+                return false;
+            };
+            QTRY_VERIFY_WITH_TIMEOUT(pauseAnnounced(), 500);
+            AppControl::resume();
+        }
+        QDBusConnection::disconnectFromBus(QStringLiteral("inprocess2"));
+        QTRY_VERIFY(!serviceOwned());
+    }
+
+    void statusLineNamesEachState()
+    {
+        AppControl::Status status;
+        status.workTimeString = "24:13";
+        status.breakTimeString = "03:12";
+        QCOMPARE(AppControl::statusLine(status), "stopped");
+        status.working = true;
+        QCOMPARE(AppControl::statusLine(status), "working 24:13");
+        status.inBreak = true;
+        QCOMPARE(AppControl::statusLine(status), "break 03:12");
+        status = {};
+        status.manualPause = true;
+        QCOMPARE(AppControl::statusLine(status), "paused");
+    }
+};
+
+LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(ControlTest, nullptr)
+#include "tst_control.moc"
