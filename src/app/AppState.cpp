@@ -10,6 +10,8 @@
 #include "timer/TicktackController.h"
 #include "timer/TicktackState.h"
 
+#include <QCoreApplication>
+
 namespace AppState {
 namespace {
 bool manualPauseValue = false;
@@ -42,12 +44,12 @@ void setWorking(bool working)
     if (workingValue) {
         TicktackController::work(prefState().workTime());
         image = QStringLiteral("stop.circle");
-        title = QStringLiteral("- Stop -");
+        title = QCoreApplication::translate("AppState", "- Stop -");
     } else {
         TicktackController::stop();
         image = QStringLiteral("play.circle");
         // Spelled so on purpose: users know the entry by this text.
-        title = QStringLiteral("- Wrok -");
+        title = QCoreApplication::translate("AppState", "- Wrok -");
     }
 
     if (StatusMenuItem* item = StatusBarController::menu().itemWithTag(pauseItemTag)) {

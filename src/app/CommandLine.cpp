@@ -159,4 +159,9 @@ void checkLaunchArguments()
     }
 }
 
+void sayAlreadyRunning()
+{
+    printLine(stdout, tr("Lulltide is already running."));
+}
+
 } // namespace CommandLine

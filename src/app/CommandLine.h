@@ -17,4 +17,7 @@ int runClient();
 // code 1 (the application object has taken its own options already).
 void checkLaunchArguments();
 
+// What a launch says when it finds the program already running, before it exits.
+void sayAlreadyRunning();
+
 } // namespace CommandLine

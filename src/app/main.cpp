@@ -2,14 +2,13 @@
 #include "CommandLine.h"
 #include "Config.h"
 #include "ControlService.h"
+#include "Translations.h"
 #include "logging/Logger.h"
 #include "statusbar/AppInfo.h"
 
 #include <QApplication>
 #include <QIcon>
 #include <QTimer>
-
-#include <cstdio>
 
 int main(int argc, char* argv[])
 {
@@ -18,6 +17,7 @@ int main(int argc, char* argv[])
         QCoreApplication client(argc, argv);
         QCoreApplication::setApplicationName(AppInfo::name());
         QCoreApplication::setApplicationVersion(AppInfo::version());
+        Translations::install();
         return CommandLine::runClient();
     }
 
@@ -25,6 +25,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationName(AppInfo::name());
     QApplication::setApplicationVersion(AppInfo::version());
     QApplication::setDesktopFileName(QString::fromUtf8(Config::appId));
+    Translations::install();
     CommandLine::checkLaunchArguments();
 
     auto* control = new ControlService(QDBusConnection::sessionBus(), &app);
@@ -32,7 +33,7 @@ int main(int argc, char* argv[])
     case ControlService::Claim::Owned:
         break;
     case ControlService::Claim::AlreadyRunning:
-        std::puts("Lulltide is already running.");
+        CommandLine::sayAlreadyRunning();
         return 0;
     case ControlService::Claim::NoBus:
         delete control;

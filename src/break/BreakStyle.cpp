@@ -1,5 +1,7 @@
 #include "BreakStyle.h"
 
+#include <QCoreApplication>
+
 std::optional<BreakStyle> BreakStyle::fromRawValue(qint64 rawValue)
 {
     switch (rawValue) {
@@ -14,7 +16,8 @@ std::optional<BreakStyle> BreakStyle::fromRawValue(qint64 rawValue)
 
 QString BreakStyle::desc() const
 {
-    return m_value == struggle ? QStringLiteral("Struggle") : QStringLiteral("Relaxation");
+    return m_value == struggle ? QCoreApplication::translate("BreakStyle", "Struggle")
+                               : QCoreApplication::translate("BreakStyle", "Relaxation");
 }
 
 QStringList BreakStyle::prompts() const

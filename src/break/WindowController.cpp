@@ -155,7 +155,7 @@ QQuickWindow* makeSettingsWindow()
                           });
     auto* window = new QQuickWindow;
     window->setObjectName(QLatin1String(settingsWindowName));
-    window->setTitle(QStringLiteral("Settings"));
+    window->setTitle(QCoreApplication::translate("WindowController", "Settings"));
     window->setMinimumSize(QSize(480, 400));
     window->resize(560, 600);
     if (auto* item = qobject_cast<QQuickItem*>(view)) {

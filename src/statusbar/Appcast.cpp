@@ -1,5 +1,6 @@
 #include "Appcast.h"
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 #include <QXmlStreamReader>
 
@@ -53,17 +54,18 @@ Result parse(const QByteArray& feed)
     while (!xml.atEnd()) {
         xml.readNext();
         if (xml.tokenType() == QXmlStreamReader::DTD)
-            return fail(QStringLiteral("the feed declares a document type, which no update feed needs"));
+            return fail(QCoreApplication::translate(
+                "Appcast", "the feed declares a document type, which no update feed needs"));
         if (xml.tokenType() == QXmlStreamReader::StartElement) {
             const auto name = xml.name();
             for (const QXmlStreamAttribute& attribute : xml.attributes()) {
                 if (attribute.value().size() > longestText)
-                    return fail(
-                        QStringLiteral("the feed holds an attribute far too long for an update feed"));
+                    return fail(QCoreApplication::translate(
+                        "Appcast", "the feed holds an attribute far too long for an update feed"));
             }
             if (!sawRss) {
                 if (name != QLatin1String("rss"))
-                    return fail(QStringLiteral("this is no RSS feed"));
+                    return fail(QCoreApplication::translate("Appcast", "this is no RSS feed"));
                 sawRss = true;
             } else if (name == QLatin1String("item")) {
                 inItem = true;
@@ -83,7 +85,8 @@ Result parse(const QByteArray& feed)
                     if (xml.hasError())
                         break;
                     if (text.size() > longestText)
-                        return fail(QStringLiteral("the feed holds a text far too long for an update feed"));
+                        return fail(QCoreApplication::translate(
+                            "Appcast", "the feed holds a text far too long for an update feed"));
                     if (name == QLatin1String("title"))
                         item.title = text;
                     else if (name == QLatin1String("version"))
@@ -99,17 +102,19 @@ Result parse(const QByteArray& feed)
         } else if (xml.tokenType() == QXmlStreamReader::EndElement && xml.name() == QLatin1String("item")) {
             inItem = false;
             if (!numbers(item.version))
-                return fail(QStringLiteral("the feed names a version that is no version: ") +
-                            item.version.left(40));
+                return fail(
+                    QCoreApplication::translate("Appcast", "the feed names a version that is no version: ") +
+                    item.version.left(40));
             if (item.shortVersion.isEmpty())
                 item.shortVersion = item.version;
             result.items << item;
         }
     }
     if (xml.hasError())
-        return fail(QStringLiteral("the feed is not well-formed XML (") + xml.errorString() + u')');
+        return fail(QCoreApplication::translate("Appcast", "the feed is not well-formed XML (") +
+                    xml.errorString() + u')');
     if (!sawRss)
-        return fail(QStringLiteral("this is no RSS feed"));
+        return fail(QCoreApplication::translate("Appcast", "this is no RSS feed"));
     return result;
 }
 

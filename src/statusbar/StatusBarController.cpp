@@ -41,18 +41,19 @@ StatusMenu* buildMenu()
         entry({}, {}, QStringLiteral("p"), [] { AppState::setManualPause(!AppState::manualPause()); });
     pause->setTag(AppState::pauseItemTag);
     menu->addItem(pause);
-    menu->addItem(entry(QStringLiteral("Settings..."), QStringLiteral("gearshape.circle"),
-                        QStringLiteral(","), [] { WindowController::showPrefView(); }));
+    menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Settings..."),
+                        QStringLiteral("gearshape.circle"), QStringLiteral(","),
+                        [] { WindowController::showPrefView(); }));
     menu->addItem(StatusMenuItem::separator());
-    menu->addItem(entry(QStringLiteral("Check for Updates..."),
+    menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Check for Updates..."),
                         QStringLiteral("arrow.counterclockwise.icloud"), {},
                         [] { WindowController::showUpdater(); }));
-    menu->addItem(
-        entry(QStringLiteral("Feedback..."), QStringLiteral("mail.stack"), {}, [] { Feedback::compose(); }));
-    menu->addItem(entry(QStringLiteral("About..."), QStringLiteral("info.circle"), {},
-                        [] { WindowController::showAbout(); }));
-    menu->addItem(entry(QStringLiteral("Quit"), QStringLiteral("escape"), QStringLiteral("q"),
-                        [] { QCoreApplication::quit(); }));
+    menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Feedback..."),
+                        QStringLiteral("mail.stack"), {}, [] { Feedback::compose(); }));
+    menu->addItem(entry(QCoreApplication::translate("StatusBarController", "About..."),
+                        QStringLiteral("info.circle"), {}, [] { WindowController::showAbout(); }));
+    menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Quit"), QStringLiteral("escape"),
+                        QStringLiteral("q"), [] { QCoreApplication::quit(); }));
     return menu;
 }
 

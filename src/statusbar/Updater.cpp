@@ -33,7 +33,7 @@ QString refusal(const QUrl& url)
         return {};
     if (url.scheme() == QLatin1String("http") && isLoopback(url))
         return {};
-    return QStringLiteral("the feed address %1 is not HTTPS").arg(url.toDisplayString());
+    return Updater::tr("the feed address %1 is not HTTPS").arg(url.toDisplayString());
 }
 
 QString plainWords(QNetworkReply* reply)
@@ -41,23 +41,23 @@ QString plainWords(QNetworkReply* reply)
     switch (reply->error()) {
     case QNetworkReply::OperationCanceledError:
     case QNetworkReply::TimeoutError:
-        return QStringLiteral("the update server did not answer in time");
+        return Updater::tr("the update server did not answer in time");
     case QNetworkReply::HostNotFoundError:
-        return QStringLiteral("the update server could not be found; are you online?");
+        return Updater::tr("the update server could not be found; are you online?");
     case QNetworkReply::ConnectionRefusedError:
     case QNetworkReply::RemoteHostClosedError:
-        return QStringLiteral("the update server refused the connection");
+        return Updater::tr("the update server refused the connection");
     case QNetworkReply::SslHandshakeFailedError:
-        return QStringLiteral("the update server's certificate could not be trusted");
+        return Updater::tr("the update server's certificate could not be trusted");
     case QNetworkReply::ContentNotFoundError:
-        return QStringLiteral("the update feed was not found on the server (HTTP 404)");
+        return Updater::tr("the update feed was not found on the server (HTTP 404)");
     default:
         break;
     }
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (status >= 400)
-        return QStringLiteral("the update server answered with an error (HTTP %1)").arg(status);
-    return QStringLiteral("the update feed could not be fetched: ") + reply->errorString();
+        return Updater::tr("the update server answered with an error (HTTP %1)").arg(status);
+    return Updater::tr("the update feed could not be fetched: ") + reply->errorString();
 }
 
 } // namespace
@@ -134,7 +134,7 @@ void Updater::start(bool userInitiated)
     const QUrl feed = feedUrl();
     if (const QString why = refusal(feed); !why.isEmpty() || !feed.isValid()) {
         report(userInitiated, Outcome::Failed, {},
-               why.isEmpty() ? QStringLiteral("the feed address is invalid") : why);
+               why.isEmpty() ? Updater::tr("the feed address is invalid") : why);
         return;
     }
     // Made at the first check, not at start: most of the time nobody checks.
@@ -155,21 +155,20 @@ void Updater::start(bool userInitiated)
         if (refusal(target).isEmpty()) {
             emit reply->redirectAllowed();
         } else {
-            reply->setProperty("refusal",
-                               QStringLiteral("the update server sent us to %1, which is not HTTPS")
-                                   .arg(target.toDisplayString()));
+            reply->setProperty("refusal", Updater::tr("the update server sent us to %1, which is not HTTPS")
+                                              .arg(target.toDisplayString()));
             reply->abort();
         }
     });
     connect(reply, &QNetworkReply::metaDataChanged, reply, [reply] {
         if (reply->header(QNetworkRequest::ContentLengthHeader).toLongLong() > largestFeed) {
-            reply->setProperty("refusal", QStringLiteral("the update feed is larger than 1 MiB"));
+            reply->setProperty("refusal", Updater::tr("the update feed is larger than 1 MiB"));
             reply->abort();
         }
     });
     connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received, qint64) {
         if (received > largestFeed) {
-            reply->setProperty("refusal", QStringLiteral("the update feed is larger than 1 MiB"));
+            reply->setProperty("refusal", Updater::tr("the update feed is larger than 1 MiB"));
             reply->abort();
         }
     });
@@ -182,7 +181,7 @@ void Updater::finish(QNetworkReply* reply, bool userInitiated)
     reply->deleteLater();
     m_running = nullptr;
     if (reply->property("cancelled").toBool()) {
-        emit checked(Outcome::Failed, {}, QStringLiteral("the check was cancelled"));
+        emit checked(Outcome::Failed, {}, Updater::tr("the check was cancelled"));
         return;
     }
     const QString refused = reply->property("refusal").toString();

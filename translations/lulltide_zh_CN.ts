@@ -1,0 +1,433 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="zh_CN">
+<context>
+    <name>AboutDialog</name>
+    <message>
+        <source>About %1</source>
+        <translation>关于 %1</translation>
+    </message>
+    <message>
+        <source>Version %1 (%2)</source>
+        <translation>版本 %1 (%2)</translation>
+    </message>
+    <message>
+        <source>Release Notes</source>
+        <translation>更新说明</translation>
+    </message>
+</context>
+<context>
+    <name>AppState</name>
+    <message>
+        <source>- Stop -</source>
+        <translation>- 暂停 -</translation>
+    </message>
+    <message>
+        <source>- Wrok -</source>
+        <translation>- 工作 -</translation>
+    </message>
+</context>
+<context>
+    <name>Appcast</name>
+    <message>
+        <source>the feed declares a document type, which no update feed needs</source>
+        <translation>更新源声明了文档类型，而更新源不需要它</translation>
+    </message>
+    <message>
+        <source>the feed holds an attribute far too long for an update feed</source>
+        <translation>更新源中有一个属性过长，不像是更新源</translation>
+    </message>
+    <message>
+        <source>this is no RSS feed</source>
+        <translation>这不是 RSS 更新源</translation>
+    </message>
+    <message>
+        <source>the feed holds a text far too long for an update feed</source>
+        <translation>更新源中有一段文字过长，不像是更新源</translation>
+    </message>
+    <message>
+        <source>the feed names a version that is no version: </source>
+        <translation>更新源中的版本号无效：</translation>
+    </message>
+    <message>
+        <source>the feed is not well-formed XML (</source>
+        <translation>更新源不是格式正确的 XML（</translation>
+    </message>
+</context>
+<context>
+    <name>BreakStyle</name>
+    <message>
+        <source>Struggle</source>
+        <translation>奋斗</translation>
+    </message>
+    <message>
+        <source>Relaxation</source>
+        <translation>放松</translation>
+    </message>
+</context>
+<context>
+    <name>BreakView</name>
+    <message>
+        <source>Skip</source>
+        <translation>跳过</translation>
+    </message>
+</context>
+<context>
+    <name>CommandLine</name>
+    <message>
+        <source>Lulltide is already running.</source>
+        <translation>Lulltide 已在运行。</translation>
+    </message>
+    <message>
+        <source>Pause the work cycle, closing a break that is up.</source>
+        <translation>暂停工作计时，并关闭正在显示的休息画面。</translation>
+    </message>
+    <message>
+        <source>Resume the work cycle with a fresh work period.</source>
+        <translation>继续工作计时，从新的工作时段开始。</translation>
+    </message>
+    <message>
+        <source>Pause when working, resume when paused.</source>
+        <translation>工作时暂停，暂停时继续。</translation>
+    </message>
+    <message>
+        <source>End the break that is up, as its Skip button does.</source>
+        <translation>结束正在进行的休息，与“跳过”按钮相同。</translation>
+    </message>
+    <message>
+        <source>Open the settings window.</source>
+        <translation>打开设置窗口。</translation>
+    </message>
+    <message>
+        <source>Print the state and the countdown: working 24:13, break 03:12, paused or stopped.</source>
+        <translation>输出状态和倒计时：working 24:13、break 03:12、paused 或 stopped。</translation>
+    </message>
+    <message>
+        <source>Quit Lulltide.</source>
+        <translation>退出 Lulltide。</translation>
+    </message>
+    <message>
+        <source>Reminds you to take breaks from the screen. Without options it starts Lulltide; the options control the running Lulltide.</source>
+        <translation>提醒你离开屏幕休息一下。不带选项时启动 Lulltide；选项用于控制正在运行的 Lulltide。</translation>
+    </message>
+    <message>
+        <source>Lulltide did not answer: %1</source>
+        <translation>Lulltide 没有回应：%1</translation>
+    </message>
+    <message>
+        <source>Give one option at a time: --%1 and --%2 were both given.</source>
+        <translation>一次只能给一个选项：同时给了 --%1 和 --%2。</translation>
+    </message>
+    <message>
+        <source>Nothing to do: see --help.</source>
+        <translation>没有要做的事：请看 --help。</translation>
+    </message>
+    <message>
+        <source>Lulltide is not running: there is no D-Bus session bus to reach it.</source>
+        <translation>Lulltide 没有运行：没有可用的 D-Bus 会话总线。</translation>
+    </message>
+    <message>
+        <source>Lulltide is not running.</source>
+        <translation>Lulltide 没有运行。</translation>
+    </message>
+    <message>
+        <source>Unknown argument: %1</source>
+        <translation>未知参数：%1</translation>
+    </message>
+</context>
+<context>
+    <name>Feedback</name>
+    <message>
+        <source>Please use Chinese or English in your mail, if you can.</source>
+        <comment>mail body</comment>
+        <translation>如果可以，请用中文或英文写邮件。</translation>
+    </message>
+</context>
+<context>
+    <name>PrefAboutView</name>
+    <message>
+        <source>Wooden fish</source>
+        <translation>木鱼</translation>
+    </message>
+    <message>
+        <source>Release Notes</source>
+        <translation>更新说明</translation>
+    </message>
+</context>
+<context>
+    <name>PrefBreakView</name>
+    <message>
+        <source>Short Break Options</source>
+        <translation>短休息选项</translation>
+    </message>
+    <message>
+        <source>Every</source>
+        <translation>每</translation>
+    </message>
+    <message>
+        <source>Work minutes</source>
+        <translation>工作分钟数</translation>
+    </message>
+    <message>
+        <source>mins</source>
+        <translation>分钟</translation>
+    </message>
+    <message>
+        <source>Break</source>
+        <translation>休息</translation>
+    </message>
+    <message>
+        <source>Short break seconds</source>
+        <translation>短休息秒数</translation>
+    </message>
+    <message>
+        <source>seconds</source>
+        <translation>秒</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>文字</translation>
+    </message>
+    <message>
+        <source>Custom break prompt</source>
+        <translation>自定义休息提示</translation>
+    </message>
+    <message>
+        <source>Short break prompt</source>
+        <translation>短休息提示</translation>
+    </message>
+    <message>
+        <source>Long Break Options</source>
+        <translation>长休息选项</translation>
+    </message>
+    <message>
+        <source>Short breaks before a long one</source>
+        <translation>长休息前的短休息次数</translation>
+    </message>
+    <message>
+        <source>short breaks</source>
+        <translation>次短休息</translation>
+    </message>
+    <message>
+        <source>Long break minutes</source>
+        <translation>长休息分钟数</translation>
+    </message>
+    <message>
+        <source>Long break prompt</source>
+        <translation>长休息提示</translation>
+    </message>
+    <message>
+        <source>Force for long breaks(skip button will not display)</source>
+        <translation>强制长休息（不显示跳过按钮）</translation>
+    </message>
+    <message>
+        <source>Other Options</source>
+        <translation>其他选项</translation>
+    </message>
+    <message>
+        <source>Restart timer after Mac awake</source>
+        <translation>唤醒后重新计时</translation>
+    </message>
+    <message>
+        <source>Stop timer after Mouse stop for 5 mins</source>
+        <translation>鼠标静止 5 分钟后停止计时</translation>
+    </message>
+    <message>
+        <source>Show a new day prompt</source>
+        <translation>显示新一天的问候</translation>
+    </message>
+</context>
+<context>
+    <name>PrefGeneralView</name>
+    <message>
+        <source>Start options</source>
+        <translation>启动选项</translation>
+    </message>
+    <message>
+        <source>Launch at login</source>
+        <translation>登录时启动</translation>
+    </message>
+    <message>
+        <source>StatusBar options</source>
+        <translation>状态栏选项</translation>
+    </message>
+    <message>
+        <source>Show time in StatusBar</source>
+        <translation>在状态栏显示时间</translation>
+    </message>
+    <message>
+        <source>Update options</source>
+        <translation>更新选项</translation>
+    </message>
+    <message>
+        <source>Auto check update for Lulltide</source>
+        <translation>自动检查 Lulltide 更新</translation>
+    </message>
+    <message>
+        <source>Break style</source>
+        <translation>休息风格</translation>
+    </message>
+</context>
+<context>
+    <name>PrefStyleView</name>
+    <message>
+        <source>Break Style</source>
+        <translation>休息风格</translation>
+    </message>
+    <message>
+        <source>Break Prompts</source>
+        <translation>休息提示语</translation>
+    </message>
+</context>
+<context>
+    <name>PreferencesView</name>
+    <message>
+        <source>General</source>
+        <translation>通用</translation>
+    </message>
+    <message>
+        <source>Workflow</source>
+        <translation>工作流</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>风格</translation>
+    </message>
+    <message>
+        <source>About</source>
+        <translation>关于</translation>
+    </message>
+</context>
+<context>
+    <name>StatusBarController</name>
+    <message>
+        <source>Settings...</source>
+        <translation>设置...</translation>
+    </message>
+    <message>
+        <source>Check for Updates...</source>
+        <translation>检查更新...</translation>
+    </message>
+    <message>
+        <source>Feedback...</source>
+        <translation>反馈...</translation>
+    </message>
+    <message>
+        <source>About...</source>
+        <translation>关于...</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>退出</translation>
+    </message>
+</context>
+<context>
+    <name>UpdateDialog</name>
+    <message>
+        <source>Software Update</source>
+        <translation>软件更新</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Download</source>
+        <translation>下载</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>好</translation>
+    </message>
+    <message>
+        <source>Checking for updates…</source>
+        <translation>正在检查更新…</translation>
+    </message>
+    <message>
+        <source>You&apos;re up to date!</source>
+        <translation>已是最新版本！</translation>
+    </message>
+    <message>
+        <source>%1 %2 is currently the newest version available.</source>
+        <translation>%1 %2 是目前可用的最新版本。</translation>
+    </message>
+    <message>
+        <source>Release Notes</source>
+        <translation>更新说明</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>以后</translation>
+    </message>
+    <message>
+        <source>A new version of %1 is available!</source>
+        <translation>%1 有新版本可用！</translation>
+    </message>
+    <message>
+        <source>%1 %2 is now available — you have %3. Your package manager installs it.</source>
+        <translation>%1 %2 现已推出，你的版本是 %3。请用软件包管理器安装。</translation>
+    </message>
+    <message>
+        <source>%1 could not check for updates.</source>
+        <translation>%1 无法检查更新。</translation>
+    </message>
+</context>
+<context>
+    <name>Updater</name>
+    <message>
+        <source>the feed address %1 is not HTTPS</source>
+        <translation>更新源地址 %1 不是 HTTPS</translation>
+    </message>
+    <message>
+        <source>the update server did not answer in time</source>
+        <translation>更新服务器没有及时回应</translation>
+    </message>
+    <message>
+        <source>the update server could not be found; are you online?</source>
+        <translation>找不到更新服务器；你联网了吗？</translation>
+    </message>
+    <message>
+        <source>the update server refused the connection</source>
+        <translation>更新服务器拒绝了连接</translation>
+    </message>
+    <message>
+        <source>the update server&apos;s certificate could not be trusted</source>
+        <translation>更新服务器的证书不可信</translation>
+    </message>
+    <message>
+        <source>the update feed was not found on the server (HTTP 404)</source>
+        <translation>服务器上找不到更新源（HTTP 404）</translation>
+    </message>
+    <message>
+        <source>the update server answered with an error (HTTP %1)</source>
+        <translation>更新服务器返回了错误（HTTP %1）</translation>
+    </message>
+    <message>
+        <source>the update feed could not be fetched: </source>
+        <translation>无法获取更新源：</translation>
+    </message>
+    <message>
+        <source>the feed address is invalid</source>
+        <translation>更新源地址无效</translation>
+    </message>
+    <message>
+        <source>the update server sent us to %1, which is not HTTPS</source>
+        <translation>更新服务器把我们转到了 %1，它不是 HTTPS</translation>
+    </message>
+    <message>
+        <source>the update feed is larger than 1 MiB</source>
+        <translation>更新源大于 1 MiB</translation>
+    </message>
+    <message>
+        <source>the check was cancelled</source>
+        <translation>检查已取消</translation>
+    </message>
+</context>
+<context>
+    <name>WindowController</name>
+    <message>
+        <source>Settings</source>
+        <translation>设置</translation>
+    </message>
+</context>
+</TS>
