@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFile>
 #include <QIcon>
+#include <QImage>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -95,6 +96,19 @@ private slots:
         const QString share = prefix.path() + "/share/";
         QVERIFY(QFile::exists(prefix.path() + "/bin/lulltide"));
         QVERIFY(QFile::exists(share + "icons/hicolor/scalable/apps/org.lulltide.Lulltide.svg"));
+        QVERIFY(QFile::exists(share + "icons/hicolor/scalable/status/org.lulltide.Lulltide-muyu.svg"));
+        for (int size : {16, 22, 24, 32, 48, 64, 128, 256}) {
+            const QString png =
+                share + QStringLiteral("icons/hicolor/%1x%1/apps/org.lulltide.Lulltide.png").arg(size);
+            QVERIFY2(QImage(png).size() == QSize(size, size), qPrintable(png));
+        }
+        QVERIFY(QFile::exists(share + "metainfo/org.lulltide.Lulltide.metainfo.xml"));
+        // The installed entry is the one the autostart entry is made from.
+        QFile installed(share + "applications/org.lulltide.Lulltide.desktop");
+        QVERIFY(installed.open(QIODevice::ReadOnly));
+        QFile shipped(TESTS_SOURCE_DIR "/../resources/org.lulltide.Lulltide.desktop");
+        QVERIFY(shipped.open(QIODevice::ReadOnly));
+        QCOMPARE(installed.readAll(), shipped.readAll());
 
         QProcess validate;
         validate.start("desktop-file-validate", {share + "applications/org.lulltide.Lulltide.desktop"});

@@ -250,6 +250,45 @@ private slots:
         QCOMPARE(prefs.launchAtLogin(), false);
     }
 
+    void autostartEntryIsTheDesktopEntryStartingThisProgram()
+    {
+        PrefState prefs;
+        prefs.setLaunchAtLogin(true);
+        QFile written(LoginItem::entryPath());
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(written.readAll());
+        QFile shipped(TESTS_SOURCE_DIR "/../resources/org.lulltide.Lulltide.desktop");
+        QVERIFY(shipped.open(QIODevice::ReadOnly));
+        const QString desktop = QString::fromUtf8(shipped.readAll());
+        // Every line of the desktop entry, and GNOME's switch at the end of the main group. (Only a
+        // program named lulltide outside PATH names itself by path; this one is a test.)
+        QString expected = desktop;
+        expected.replace("\n\n[Desktop Action pause]", "\nX-GNOME-Autostart-enabled=true\n\n[Desktop Action pause]");
+        QCOMPARE(text, expected);
+        prefs.setLaunchAtLogin(false);
+    }
+
+    void autostartEntryFollowsTheInstalledDesktopEntry()
+    {
+        // A packager's adapted entry, installed where the desktop looks for applications.
+        const QString applications = QDir::homePath() + "/.local/share/applications";
+        QVERIFY(QDir().mkpath(applications));
+        QFile installed(applications + "/org.lulltide.Lulltide.desktop");
+        QVERIFY(installed.open(QIODevice::WriteOnly));
+        installed.write("[Desktop Entry]\nType=Application\nName=Lulltide\nComment=Packaged\nExec=/opt/lulltide/bin/lulltide\n"
+                        "Icon=org.lulltide.Lulltide\n");
+        installed.close();
+        PrefState prefs;
+        prefs.setLaunchAtLogin(true);
+        QFile written(LoginItem::entryPath());
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QCOMPARE(QString::fromUtf8(written.readAll()),
+                 "[Desktop Entry]\nType=Application\nName=Lulltide\nComment=Packaged\nExec=lulltide"
+                 "\nIcon=org.lulltide.Lulltide\nX-GNOME-Autostart-enabled=true\n");
+        prefs.setLaunchAtLogin(false);
+        QVERIFY(installed.remove());
+    }
+
     void launchAtLoginFailureLogsTheServiceErrorAndKeepsTheValue()
     {
         PrefState prefs;

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -21,6 +22,33 @@ QString command()
         QStandardPaths::findExecutable(QStringLiteral("lulltide")) != self)
         return u'"' + self + u'"';
     return QStringLiteral("lulltide");
+}
+
+// The installed desktop entry (a packager may have adapted it), else the one built in, with the
+// program to start and the switch GNOME's session reads.
+QString entryText()
+{
+    const QString fileName = QString::fromUtf8(Config::appId) + QStringLiteral(".desktop");
+    QString source = QStandardPaths::locate(QStandardPaths::ApplicationsLocation, fileName);
+    QFile file(source.isEmpty() ? QStringLiteral(":/desktop/") + fileName : source);
+    QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    if (!text.startsWith(QLatin1String("[Desktop Entry]\n")))
+        text = QStringLiteral("[Desktop Entry]\nType=Application\nName=%1\nExec=lulltide\nIcon=%2\n")
+                   .arg(AppInfo::name(), QString::fromUtf8(Config::appId));
+    if (!text.endsWith(u'\n'))
+        text += u'\n';
+
+    // Only the main group's lines: the actions that follow keep their own commands.
+    qsizetype groupEnd = text.indexOf(QLatin1String("\n["));
+    groupEnd = groupEnd < 0 ? text.size() : groupEnd + 1;
+    QString group = text.left(groupEnd);
+    static const QRegularExpression exec(QStringLiteral("^Exec=.*$"), QRegularExpression::MultilineOption);
+    group.replace(exec, QStringLiteral("Exec=") + command());
+    while (group.endsWith(QLatin1String("\n\n")))
+        group.chop(1);
+    group += QStringLiteral("X-GNOME-Autostart-enabled=true\n");
+    const QString actions = text.mid(groupEnd);
+    return actions.isEmpty() ? group : group + u'\n' + actions;
 }
 
 } // namespace
@@ -53,15 +81,7 @@ bool setEnabled(bool enabled, QString* error)
         *error = entry.errorString();
         return false;
     }
-    const QString text = QStringLiteral("[Desktop Entry]\n"
-                                        "Type=Application\n"
-                                        "Name=%1\n"
-                                        "Comment=Break reminder\n"
-                                        "Exec=%2\n"
-                                        "Icon=%3\n"
-                                        "Terminal=false\n"
-                                        "X-GNOME-Autostart-enabled=true\n")
-                             .arg(AppInfo::name(), command(), QString::fromUtf8(Config::appId));
+    const QString text = entryText();
     entry.write(text.toUtf8());
     if (!entry.commit()) {
         *error = entry.errorString();
