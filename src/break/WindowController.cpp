@@ -38,6 +38,18 @@ QQuickWindow* findWindow(const QString& title)
     return nullptr;
 }
 
+// Wayland has no window opacity: there the window is transparent and its content fades, which
+// looks the same.
+bool fadesWholeWindows()
+{
+    return !QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
+QObject* fadeTarget(QQuickWindow* window)
+{
+    return fadesWholeWindows() ? static_cast<QObject*>(window) : window->contentItem();
+}
+
 void fade(QQuickWindow* window, qreal to)
 {
     // A new fade replaces one still running, so a quick close and reopen do not fight.
@@ -45,10 +57,11 @@ void fade(QQuickWindow* window, qreal to)
         running->setObjectName(QString()); // it lingers until deleted later
         running->stop();
     }
-    auto* animation = new QPropertyAnimation(window, "opacity", window);
+    QObject* target = fadeTarget(window);
+    auto* animation = new QPropertyAnimation(target, "opacity", window);
     animation->setObjectName(QLatin1String(fadeName));
     animation->setDuration(1000);
-    animation->setStartValue(window->opacity());
+    animation->setStartValue(target->property("opacity"));
     animation->setEndValue(to);
     animation->start(QAbstractAnimation::DeleteWhenStopped);
 }
@@ -77,7 +90,14 @@ QQuickWindow* breakWindow(const QRect& frame, const QString& displayId, QScreen*
     auto* window = new QQuickWindow;
     window->setObjectName(QLatin1String(breakWindowName));
     window->setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
-    window->setColor(QColor(0xAA, 0xAA, 0xAA)); // light grey, hidden under the view
+    if (fadesWholeWindows()) {
+        window->setColor(QColor(0xAA, 0xAA, 0xAA)); // light grey, hidden under the view
+    } else {
+        QSurfaceFormat format = window->format();
+        format.setAlphaBufferSize(8);
+        window->setFormat(format);
+        window->setColor(Qt::transparent);
+    }
     window->setTitle(displayId);
     window->setScreen(screen);
     window->setGeometry(frame);
@@ -220,7 +240,7 @@ void showBreak()
     breakShown = true;
     for (QScreen* screen : QGuiApplication::screens()) {
         QQuickWindow* w = window(screen);
-        w->setOpacity(0.0);
+        fadeTarget(w)->setProperty("opacity", 0.0);
         present(w);
         fade(w, 1.0);
     }

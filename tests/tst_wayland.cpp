@@ -1,0 +1,206 @@
+#include "support/TestMain.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+
+// The real program as a Wayland client: weston, a real compositor, runs with two outputs of
+// 1280×800 side by side (its X11 backend shows each output as a window of an Xvfb of this test's
+// own, which gives it a seat and lets the test look at what it draws).
+class WaylandTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir runtime; // XDG_RUNTIME_DIR: weston's socket
+    QTemporaryDir scratch;
+    QProcess xserver;
+    QProcess weston;
+    QString display;
+    const QString socket = "wayland-lulltide-test";
+
+    struct Instance {
+        QTemporaryDir home;
+        QProcess process;
+        QString log() const { return TestSupport::logTextIn(home.path()); }
+        ~Instance()
+        {
+            process.terminate();
+            process.waitForFinished(5000);
+        }
+    };
+
+    QProcessEnvironment onWayland(const QString& home) const
+    {
+        QProcessEnvironment environment = TestSupport::environmentWithHome(home);
+        environment.insert("XDG_RUNTIME_DIR", runtime.path());
+        environment.insert("WAYLAND_DISPLAY", socket);
+        environment.insert("QT_QPA_PLATFORM", "wayland");
+        environment.remove("DISPLAY");
+        environment.insert("LC_ALL", "C.UTF-8");
+        return environment;
+    }
+
+    QString run(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment)
+    {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(program, arguments);
+        process.waitForFinished(10000);
+        return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    }
+
+    QString onX(const QString& program, const QStringList& arguments)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("DISPLAY", display);
+        return run(program, arguments, environment);
+    }
+
+    QString status(const Instance& instance)
+    {
+        return run(LULLTIDE_BINARY, {"--status"}, onWayland(instance.home.path()));
+    }
+
+    void start(Instance& instance, const QByteArray& settings)
+    {
+        QDir().mkpath(instance.home.path() + "/.config/lulltide");
+        QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nauto_check_update=false\n" + settings);
+        conf.close();
+        instance.process.setProcessEnvironment(onWayland(instance.home.path()));
+        instance.process.start(LULLTIDE_BINARY, {});
+        QVERIFY(instance.process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
+    }
+
+    // What the compositor shows: both outputs, side by side.
+    QImage screen()
+    {
+        const QString shot = scratch.filePath("screen.png");
+        QFile::remove(shot);
+        onX("import", {"-window", "root", "-crop", "2560x800+0+0", "+repage", shot});
+        return QImage(shot);
+    }
+
+    // The corners and the middle of the left edge of each output: a window covers an output
+    // only when all of them show it.
+    static QList<QPoint> edgesOfBothOutputs()
+    {
+        QList<QPoint> points;
+        for (int left : {0, 1280})
+            for (QPoint point :
+                 {QPoint(2, 2), QPoint(1277, 2), QPoint(2, 797), QPoint(1277, 797), QPoint(2, 400)})
+                points << point + QPoint(left, 0);
+        return points;
+    }
+
+    static int whitePoints(const QImage& image)
+    {
+        int white = 0;
+        for (QPoint point : edgesOfBothOutputs())
+            white += image.pixel(point) == qRgb(255, 255, 255) ? 1 : 0;
+        return white;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        xserver.start("Xvfb", {"-displayfd", "1", "-screen", "0", "2560x800x24", "-nolisten", "tcp"});
+        QVERIFY(xserver.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(xserver.canReadLine(), 10000);
+        display = ":" + QString::fromLatin1(xserver.readLine()).trimmed();
+
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("DISPLAY", display);
+        environment.insert("XDG_RUNTIME_DIR", runtime.path());
+        weston.setProcessEnvironment(environment);
+        weston.setStandardOutputFile(scratch.filePath("weston.log"));
+        weston.setStandardErrorFile(scratch.filePath("weston.log"));
+        weston.start("weston",
+                     {"--backend=x11-backend.so", "--use-pixman", "--output-count=2", "--width=1280",
+                      "--height=800", "--socket=" + socket, "--no-config", "--idle-time=0"});
+        QVERIFY(weston.waitForStarted());
+        const auto westonLog = [this] {
+            QFile log(scratch.filePath("weston.log"));
+            return log.open(QIODevice::ReadOnly) ? log.readAll() : QByteArray();
+        };
+        QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(runtime.filePath(socket)), westonLog().constData(), 10000);
+        // Each output is an X window at 0,0; the second goes to the right of the first, where the
+        // compositor places that output.
+        // (xwininfo, not xdotool: weston names its windows in a way xdotool's search misses.)
+        const auto secondOutput = [this] {
+            for (const QString& line : onX("xwininfo", {"-root", "-children"}).split('\n')) {
+                if (line.contains("\"Weston Compositor - screen1\""))
+                    return line.trimmed().section(' ', 0, 0);
+            }
+            return QString();
+        };
+        QTRY_VERIFY2_WITH_TIMEOUT(!secondOutput().isEmpty(), westonLog().constData(), 10000);
+        const QString second = secondOutput();
+        onX("xdotool", {"windowmove", second, "1280", "0"});
+        QTRY_VERIFY_WITH_TIMEOUT(onX("xdotool", {"getwindowgeometry", second}).contains("Position: 1280,0"),
+                                 5000);
+        // The compositor draws the pointer where X has it (the middle, on an edge we look at).
+        onX("xdotool", {"mousemove", "700", "600"});
+    }
+
+    void cleanupTestCase()
+    {
+        weston.terminate();
+        weston.waitForFinished(5000);
+        xserver.terminate();
+        xserver.waitForFinished(5000);
+    }
+
+    void breakWindowsCoverEveryOutputFromEdgeToEdge()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTest::qWait(500);
+        QCOMPARE(whitePoints(screen()), 0); // the compositor's own background
+        QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), int(edgesOfBothOutputs().size()), 5000);
+        // Kept in the build folder for a person to look at.
+        screen().save(QDir::current().filePath("wayland-two-outputs.png"));
+    }
+
+    void pauseFromAScriptClosesTheBreakOnEveryOutput()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), int(edgesOfBothOutputs().size()), 5000);
+        run(LULLTIDE_BINARY, {"--pause"}, onWayland(instance.home.path()));
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), 0, 5000);
+        QCOMPARE(status(instance), "paused");
+    }
+
+    void breakFadesInWithoutComplaintsFromThePlatform()
+    {
+        // Wayland has no window opacity: the content fades instead, and Qt has nothing to say.
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), int(edgesOfBothOutputs().size()), 5000);
+        instance.process.terminate();
+        QVERIFY(instance.process.waitForFinished(5000));
+        const QString errors = QString::fromUtf8(instance.process.readAllStandardError());
+        QVERIFY2(!errors.contains("does not support setting window opacity"), qPrintable(errors));
+    }
+
+    void withoutAnIdleMonitorItSaysSoOnceAndCountsOn()
+    {
+        Instance instance;
+        start(instance, {});
+        QTest::qWait(1500);
+        QCOMPARE(instance.log().count("no pointer monitor on the wayland platform"), 1);
+        QVERIFY(status(instance).startsWith("working "));
+    }
+};
+
+LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(WaylandTest, nullptr)
+
+#include "tst_wayland.moc"
