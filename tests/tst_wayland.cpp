@@ -1,10 +1,49 @@
+#include "support/FakeInput.h"
 #include "support/TestMain.h"
+
+#include "app/AppDelegate.h"
+#include "app/AppState.h"
+#include "events/SystemEventController.h"
+#include "events/WaylandIdleMonitor.h"
 
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QProcess>
+#include <QSignalSpy>
 #include <QTemporaryDir>
+
+#include <cstdio>
+
+namespace {
+
+// Runs the application on Qt's offscreen platform (so the compositor's idle notifications are
+// its only view of the person) with an idle timeout of 0.6 s: prints when the cycle stops and
+// when a pointer move through the compositor starts it again.
+int childMain(const QByteArray& mode)
+{
+    if (mode != "idle-cycle")
+        return 2;
+    SystemEventController::setIdleTimeout(std::chrono::milliseconds(600));
+    AppDelegate().applicationDidFinishLaunching();
+    const auto waitFor = [](bool working) {
+        for (int i = 0; i < 100 && AppState::working() != working; ++i)
+            QTest::qWait(100);
+        return AppState::working() == working;
+    };
+    if (!waitFor(false))
+        return 3;
+    std::puts("stopped after idleness");
+    std::fflush(stdout);
+    if (!FakeInput::movePointer())
+        return 4;
+    if (!waitFor(true))
+        return 5;
+    std::puts("working again after a pointer move");
+    return 0;
+}
+
+} // namespace
 
 // The real program as a Wayland client: weston, a real compositor, runs with two outputs of
 // 1280×800 side by side (its X11 backend shows each output as a window of an Xvfb of this test's
@@ -16,8 +55,10 @@ class WaylandTest : public QObject {
     QTemporaryDir scratch;
     QProcess xserver;
     QProcess weston;
+    QProcess kwin;
     QString display;
     const QString socket = "wayland-lulltide-test";
+    const QString kwinSocket = "wayland-lulltide-kwin";
 
     struct Instance {
         QTemporaryDir home;
@@ -104,6 +145,47 @@ class WaylandTest : public QObject {
         return white;
     }
 
+    // KWin on a virtual output: the Wayland compositor in Debian that offers ext-idle-notify-v1.
+    void startKWin()
+    {
+        // A copy: the installed program carries file capabilities, which containers may refuse
+        // to run; KWin needs none of them here.
+        const QString program = scratch.filePath("kwin_wayland");
+        QVERIFY(QFile::copy("/usr/bin/kwin_wayland", program));
+        QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner);
+        // KWin offers fake input only to programs whose desktop entry asks for it.
+        const QString applications = QDir::homePath() + "/.local/share/applications";
+        QVERIFY(QDir().mkpath(applications));
+        QFile entry(applications + "/lulltide-wayland-test.desktop");
+        QVERIFY(entry.open(QIODevice::WriteOnly));
+        entry.write("[Desktop Entry]\nType=Application\nName=Lulltide Wayland test\nExec=" +
+                    QCoreApplication::applicationFilePath().toUtf8() +
+                    "\nNoDisplay=true\nX-KDE-Wayland-Interfaces=org_kde_kwin_fake_input\n");
+        entry.close();
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_RUNTIME_DIR", runtime.path());
+        environment.remove("QT_QPA_PLATFORM");
+        environment.remove("DISPLAY");
+        environment.remove("WAYLAND_DISPLAY");
+        kwin.setProcessEnvironment(environment);
+        kwin.setStandardOutputFile(scratch.filePath("kwin.log"));
+        kwin.setStandardErrorFile(scratch.filePath("kwin.log"));
+        kwin.start(program, {"--virtual", "--socket", kwinSocket, "--width", "1280", "--height", "800"});
+        QVERIFY(kwin.waitForStarted());
+        const auto kwinLog = [this] {
+            QFile log(scratch.filePath("kwin.log"));
+            return log.open(QIODevice::ReadOnly) ? log.readAll() : QByteArray();
+        };
+        QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(runtime.filePath(kwinSocket)), kwinLog().constData(), 20000);
+    }
+
+    // Points this process's own Wayland connections at one of the compositors.
+    void useCompositor(const QString& socketName)
+    {
+        qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
+        qputenv("WAYLAND_DISPLAY", socketName.toUtf8());
+    }
+
 private slots:
     void initTestCase()
     {
@@ -143,12 +225,15 @@ private slots:
         onX("xdotool", {"windowmove", second, "1280", "0"});
         QTRY_VERIFY_WITH_TIMEOUT(onX("xdotool", {"getwindowgeometry", second}).contains("Position: 1280,0"),
                                  5000);
+        startKWin();
         // The compositor draws the pointer where X has it (the middle, on an edge we look at).
         onX("xdotool", {"mousemove", "700", "600"});
     }
 
     void cleanupTestCase()
     {
+        kwin.terminate();
+        kwin.waitForFinished(5000);
         weston.terminate();
         weston.waitForFinished(5000);
         xserver.terminate();
@@ -191,6 +276,68 @@ private slots:
         QVERIFY2(!errors.contains("does not support setting window opacity"), qPrintable(errors));
     }
 
+    void kwinTellsOfIdlenessAfterTheTimeoutAndOfThePersonComingBack()
+    {
+        useCompositor(kwinSocket);
+        WaylandIdleMonitor monitor;
+        QVERIFY(monitor.start(std::chrono::milliseconds(600)));
+        QVERIFY(monitor.reportsIdleness());
+        QSignalSpy idle(&monitor, &PointerMonitor::idle);
+        QSignalSpy activity(&monitor, &PointerMonitor::activity);
+        QTest::qWait(300);
+        QCOMPARE(idle.count(), 0); // not before the timeout
+        QTRY_COMPARE_WITH_TIMEOUT(idle.count(), 1, 5000);
+        QCOMPARE(activity.count(), 0);
+        QVERIFY(FakeInput::movePointer());
+        QTRY_COMPARE_WITH_TIMEOUT(activity.count(), 1, 5000);
+        // Still again: idle once more after the timeout.
+        QTRY_COMPARE_WITH_TIMEOUT(idle.count(), 2, 5000);
+    }
+
+    void compositorIdlenessStopsTheCycleAndAPointerMoveStartsIt()
+    {
+        QTemporaryDir home;
+        QProcessEnvironment environment = TestSupport::environmentWithHome(home.path());
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        environment.insert("XDG_RUNTIME_DIR", runtime.path());
+        environment.insert("WAYLAND_DISPLAY", kwinSocket);
+        const TestSupport::ChildResult child = TestSupport::runChild("idle-cycle", environment);
+        QCOMPARE(child.exitCode, 0);
+        // (The log goes to standard output too.)
+        QStringList said;
+        for (const QString& line : child.standardOutput.split('\n', Qt::SkipEmptyParts)) {
+            if (!line.contains(" info org.lulltide.Lulltide : "))
+                said << line;
+        }
+        QCOMPARE(said, QStringList({"stopped after idleness", "working again after a pointer move"}));
+        const QString log = TestSupport::logTextIn(home.path());
+        QCOMPARE(log.count("pointer idleness from the compositor's idle notifications"), 1);
+        QVERIFY(!log.contains("no pointer monitor"));
+        QCOMPARE(log.count("ticktack timer start 1500.0"), 2);
+    }
+
+    void aCompositorWithoutTheProtocolOrNoCompositorLeavesTheMonitorUnstarted()
+    {
+        useCompositor(socket); // weston offers no idle notifications
+        WaylandIdleMonitor onWeston;
+        QVERIFY(!onWeston.start(std::chrono::milliseconds(600)));
+        useCompositor("no-such-compositor");
+        WaylandIdleMonitor nowhere;
+        QVERIFY(!nowhere.start(std::chrono::milliseconds(600)));
+    }
+
+    void theProgramOnKWinUsesTheCompositorsIdleNotifications()
+    {
+        Instance instance;
+        QProcessEnvironment environment = onWayland(instance.home.path());
+        environment.insert("WAYLAND_DISPLAY", kwinSocket);
+        instance.process.setProcessEnvironment(environment);
+        instance.process.start(LULLTIDE_BINARY, {});
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
+        QCOMPARE(instance.log().count("pointer idleness from the compositor's idle notifications"), 1);
+        QVERIFY(!instance.log().contains("no pointer monitor"));
+    }
+
     void withoutAnIdleMonitorItSaysSoOnceAndCountsOn()
     {
         Instance instance;
@@ -201,6 +348,6 @@ private slots:
     }
 };
 
-LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(WaylandTest, nullptr)
+LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(WaylandTest, childMain)
 
 #include "tst_wayland.moc"

@@ -2,6 +2,7 @@
 
 #include "MutterIdleMonitor.h"
 #include "SystemEventController.h"
+#include "WaylandIdleMonitor.h"
 #include "X11PointerMonitor.h"
 #include "logging/Logger.h"
 
@@ -16,7 +17,13 @@ PointerMonitor* PointerMonitor::create(QObject* parent)
         delete monitor;
     } else {
         // Without X11 nobody sees the pointer outside their own windows: the compositor tells
-        // of idleness instead.
+        // of idleness instead, through the Wayland protocol or, on GNOME, over D-Bus.
+        auto* wayland = new WaylandIdleMonitor(parent);
+        if (wayland->start(SystemEventController::idleTimeout())) {
+            logger().info(QStringLiteral("pointer idleness from the compositor's idle notifications"));
+            return wayland;
+        }
+        delete wayland;
         auto* monitor = new MutterIdleMonitor(parent);
         if (monitor->start(SystemEventController::idleTimeout()))
             return monitor;
