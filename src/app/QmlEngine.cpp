@@ -1,10 +1,11 @@
 #include "QmlEngine.h"
 
+#include "logging/Logger.h"
+
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
-#include <QtDebug>
 
 namespace QmlEngine {
 
@@ -36,12 +37,14 @@ QObject* create(const QString& viewName, const QVariantMap& properties)
 {
     QQmlComponent component(&engine(), viewUrl(viewName));
     if (!component.isReady()) {
-        qWarning().noquote() << "cannot make the view" << viewName << ":" << component.errorString();
+        logger().error(QStringLiteral("cannot make the view ") + viewName + QStringLiteral(": ") +
+                       component.errorString().trimmed());
         return nullptr;
     }
     QObject* view = component.createWithInitialProperties(properties);
     if (!view)
-        qWarning().noquote() << "cannot make the view" << viewName << ":" << component.errorString();
+        logger().error(QStringLiteral("cannot make the view ") + viewName + QStringLiteral(": ") +
+                       component.errorString().trimmed());
     return view;
 }
 

@@ -15,8 +15,8 @@ QQmlEngine& engine();
 // The address of one of the application's QML views, e.g. "BreakView".
 QUrl viewUrl(const QString& viewName);
 
-// Makes one of the views with its required properties. A view that cannot be made is a broken
-// build: the QML errors go to stderr and the result is null.
+// Makes one of the views with its required properties. A view that cannot be made (a broken
+// installation: a QML module missing) is logged with Qt's reasons, and the result is null.
 QObject* create(const QString& viewName, const QVariantMap& properties);
 
 } // namespace QmlEngine

@@ -41,7 +41,10 @@ void PromptState::showBreak()
     if (const auto idleItem = AppState::mouseMoveEventItem())
         idleItem->cancel();
 
-    WindowController::showBreak();
+    if (!WindowController::showBreak()) {
+        skipUnshownBreak();
+        return;
+    }
 
     double seconds = prefs.breakTime();
     if (m_shortBreakTimes == 0) {
@@ -65,13 +68,23 @@ void PromptState::showBreak()
 void PromptState::showNewDay()
 {
     setPrompt(newDayPrompt());
-    WindowController::showBreak();
+    if (!WindowController::showBreak()) {
+        skipUnshownBreak();
+        return;
+    }
     TicktackController::break_(10.0);
 }
 
 void PromptState::closePrompt()
 {
     WindowController::closeBreak();
+    TicktackController::work(AppState::prefState().workTime());
+}
+
+void PromptState::skipUnshownBreak()
+{
+    // Nobody would see the break, and its end comes from the view: the cycle goes on without it.
+    logger().error(QStringLiteral("no break screen can be shown: the next work period starts"));
     TicktackController::work(AppState::prefState().workTime());
 }
 

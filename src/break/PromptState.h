@@ -46,6 +46,8 @@ signals:
     void showSkipButtonChanged();
 
 private:
+    void skipUnshownBreak();
+
     QString m_prompt;
     bool m_showSkipButton = false;
     qint64 m_shortBreakTimes = 0;

@@ -87,6 +87,13 @@ QQuickWindow* breakWindow(const QRect& frame, const QString& displayId, QScreen*
                               {QStringLiteral("breakState"), QVariant::fromValue(&AppState::breakState())},
                           });
 
+    auto* item = qobject_cast<QQuickItem*>(view);
+    if (!item) {
+        // A window without its view would cover the screen with no way out.
+        delete view;
+        return nullptr;
+    }
+
     auto* window = new QQuickWindow;
     window->setObjectName(QLatin1String(breakWindowName));
     window->setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
@@ -102,12 +109,8 @@ QQuickWindow* breakWindow(const QRect& frame, const QString& displayId, QScreen*
     window->setScreen(screen);
     window->setGeometry(frame);
 
-    if (auto* item = qobject_cast<QQuickItem*>(view)) {
-        item->setParent(window);
-        item->setParentItem(window->contentItem());
-    } else {
-        delete view;
-    }
+    item->setParent(window);
+    item->setParentItem(window->contentItem());
 
     present(window);
     return window;
@@ -173,17 +176,18 @@ QQuickWindow* makeSettingsWindow()
                               {QStringLiteral("prefState"), QVariant::fromValue(&AppState::prefState())},
                               {QStringLiteral("appInfo"), appInfo},
                           });
+    auto* item = qobject_cast<QQuickItem*>(view);
+    if (!item) {
+        delete view;
+        return nullptr;
+    }
     auto* window = new QQuickWindow;
     window->setObjectName(QLatin1String(settingsWindowName));
     window->setTitle(QCoreApplication::translate("WindowController", "Settings"));
     window->setMinimumSize(QSize(480, 400));
     window->resize(560, 600);
-    if (auto* item = qobject_cast<QQuickItem*>(view)) {
-        item->setParent(window);
-        item->setParentItem(window->contentItem());
-    } else {
-        delete view;
-    }
+    item->setParent(window);
+    item->setParentItem(window->contentItem());
     // Closed, the window keeps its object for the next time but lets its scene go.
     QObject::connect(window, &QWindow::visibleChanged, window, [window](bool visible) {
         if (!visible)
@@ -202,6 +206,8 @@ bool sendAction(const QString& action)
     QQuickWindow* window = settingsWindow();
     if (!window)
         window = makeSettingsWindow();
+    if (!window)
+        return true; // the view's errors are in the log; there is nothing to show
     window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
     window->show();
     window->raise();
@@ -235,11 +241,20 @@ bool isBreakShown()
     return breakShown;
 }
 
-void showBreak()
+bool showBreak()
 {
-    breakShown = true;
+    QList<QQuickWindow*> windows;
     for (QScreen* screen : QGuiApplication::screens()) {
         QQuickWindow* w = window(screen);
+        if (!w) {
+            for (QQuickWindow* made : windows)
+                made->hide();
+            return false;
+        }
+        windows << w;
+    }
+    breakShown = true;
+    for (QQuickWindow* w : windows) {
         fadeTarget(w)->setProperty("opacity", 0.0);
         present(w);
         fade(w, 1.0);
@@ -250,6 +265,7 @@ void showBreak()
         primary->requestActivate();
     }
     emit AppState::changes().changed();
+    return true;
 }
 
 void closeBreak()
@@ -257,6 +273,8 @@ void closeBreak()
     breakShown = false;
     for (QScreen* screen : QGuiApplication::screens()) {
         QQuickWindow* w = window(screen);
+        if (!w)
+            continue;
         fade(w, 0.0);
         // Closed at once rather than when the fade ends: the break is over now. Hiding keeps
         // the window in the window list for the next break.

@@ -16,8 +16,9 @@ void setup();
 Updater& updater();
 
 // Shows (creating when needed) a break window on every screen, fades it in over one second
-// and gives the primary screen's one the keyboard focus.
-void showBreak();
+// and gives the primary screen's one the keyboard focus. False, with nothing shown, when the
+// break screen cannot be made (a broken installation).
+bool showBreak();
 
 // Fades out and closes the break window of every screen (a screen without one gets one,
 // closed at once), and closes the windows of screens that went away during the break.

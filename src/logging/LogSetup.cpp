@@ -74,14 +74,22 @@ bool prepareDirectory(const QString& directory, const QString& identifier, const
     // List first, then remove, so that removing a folder does not disturb the walk.
     QStringList doomed;
     fs::recursive_directory_iterator it(root, code);
+    fs::path current = root; // the entry an error is about: the last one reached
     for (const fs::recursive_directory_iterator end; !code && it != end; it.increment(code)) {
-        const QString relative = QString::fromStdString(fs::relative(it->path(), root).generic_string());
+        current = it->path();
+        // Without throwing: an entry that cannot be resolved (a symlink loop) is an error to
+        // report, not a reason to end the program.
+        const fs::path relativePath = fs::relative(it->path(), root, code);
+        if (code)
+            break;
+        const QString relative = QString::fromStdString(relativePath.generic_string());
         if (relative.startsWith(identifier) && relative.endsWith(QStringLiteral(".log")) &&
             !relative.contains(today))
             doomed << relative;
     }
     if (code) {
-        *error = QString::fromStdString(code.message()) + QStringLiteral(": ") + directory;
+        *error = QString::fromStdString(code.message()) + QStringLiteral(": ") +
+                 QString::fromStdString(current.string());
         return false;
     }
     for (const QString& relative : doomed) {

@@ -22,7 +22,11 @@ std::optional<double> parseDouble(const QString& text)
     const QByteArray bytes = withoutPlus(text);
     if (bytes.isEmpty())
         return std::nullopt;
-    const char first = bytes.at(bytes.at(0) == '-' ? 1 : 0);
+    // A sign alone ("-", or "+" kept by withoutPlus) has no digit to look at.
+    const qsizetype firstIndex = bytes.at(0) == '-' ? 1 : 0;
+    if (firstIndex >= bytes.size())
+        return std::nullopt;
+    const char first = bytes.at(firstIndex);
     if (!(std::isdigit(static_cast<unsigned char>(first)) || first == '.'))
         return std::nullopt;
     double value = 0;
