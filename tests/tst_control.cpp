@@ -25,17 +25,7 @@ class ControlTest : public QObject {
     const QString service = "org.lulltide.Lulltide";
     const QString path = "/org/lulltide/Lulltide";
 
-    // One running Lulltide with its own HOME.
-    struct Instance {
-        QTemporaryDir home;
-        QProcess process;
-        QString log() const { return TestSupport::logTextIn(home.path()); }
-        ~Instance()
-        {
-            process.terminate();
-            process.waitForFinished(5000);
-        }
-    };
+    using Instance = TestSupport::ProgramRun;
 
     struct Ran {
         int exitCode = -1;

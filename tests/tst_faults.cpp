@@ -35,17 +35,9 @@ int childMain(const QByteArray& mode)
 class FaultsTest : public QObject {
     Q_OBJECT
 
-    struct Instance {
-        QTemporaryDir home;
-        QProcess process;
-        QString log() const { return TestSupport::logTextIn(home.path()); }
+    struct Instance : TestSupport::ProgramRun {
         QString output() { return QString::fromUtf8(process.readAllStandardOutput()); }
         QString settingsPath() const { return home.path() + "/.config/lulltide/lulltide.conf"; }
-        ~Instance()
-        {
-            process.terminate();
-            process.waitForFinished(5000);
-        }
     };
 
     static void writeSettings(Instance& instance, const QByteArray& contents)

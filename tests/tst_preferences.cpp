@@ -263,7 +263,8 @@ private slots:
         // Every line of the desktop entry, and GNOME's switch at the end of the main group. (Only a
         // program named lulltide outside PATH names itself by path; this one is a test.)
         QString expected = desktop;
-        expected.replace("\n\n[Desktop Action pause]", "\nX-GNOME-Autostart-enabled=true\n\n[Desktop Action pause]");
+        expected.replace("\n\n[Desktop Action pause]",
+                         "\nX-GNOME-Autostart-enabled=true\n\n[Desktop Action pause]");
         QCOMPARE(text, expected);
         prefs.setLaunchAtLogin(false);
     }
@@ -275,8 +276,10 @@ private slots:
         QVERIFY(QDir().mkpath(applications));
         QFile installed(applications + "/org.lulltide.Lulltide.desktop");
         QVERIFY(installed.open(QIODevice::WriteOnly));
-        installed.write("[Desktop Entry]\nType=Application\nName=Lulltide\nComment=Packaged\nExec=/opt/lulltide/bin/lulltide\n"
-                        "Icon=org.lulltide.Lulltide\n");
+        installed.write(
+            "[Desktop "
+            "Entry]\nType=Application\nName=Lulltide\nComment=Packaged\nExec=/opt/lulltide/bin/lulltide\n"
+            "Icon=org.lulltide.Lulltide\n");
         installed.close();
         PrefState prefs;
         prefs.setLaunchAtLogin(true);

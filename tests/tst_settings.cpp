@@ -55,17 +55,6 @@ class SettingsTest : public QObject {
         return nullptr;
     }
 
-    // Looks through the items as shown, delegates and popups included.
-    static QQuickItem* findIn(QQuickItem* parent, const QString& name)
-    {
-        for (QQuickItem* child : parent->childItems()) {
-            if (child->objectName() == name)
-                return child;
-            if (QQuickItem* found = findIn(child, name))
-                return found;
-        }
-        return nullptr;
-    }
     static void findAllIn(QQuickItem* parent, const QString& name, QList<QQuickItem*>& found)
     {
         for (QQuickItem* child : parent->childItems()) {
@@ -77,7 +66,7 @@ class SettingsTest : public QObject {
 
     static QQuickItem* find(const char* name)
     {
-        QQuickItem* item = findIn(window()->contentItem(), name);
+        QQuickItem* item = TestSupport::findItem(window()->contentItem(), name);
         if (!item)
             qWarning() << "no item named" << name;
         return item;
@@ -394,7 +383,8 @@ private slots:
 
         openTab("aboutTab");
         click(find("aboutReleaseNotes"));
-        QTRY_COMPARE(TestSupport::recordedArguments(record), QStringList{"https://lulltide.org/release_note/"});
+        QTRY_COMPARE(TestSupport::recordedArguments(record),
+                     QStringList{"https://lulltide.org/release_note/"});
         qputenv("PATH", path);
     }
 

@@ -676,7 +676,8 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(dialog));
         auto* notes = dialog->findChild<QLabel*>("aboutReleaseNotes");
         QTest::mouseClick(notes, Qt::LeftButton, {}, notes->rect().center());
-        QTRY_COMPARE(TestSupport::recordedArguments(record), QStringList{"https://lulltide.org/release_note/"});
+        QTRY_COMPARE(TestSupport::recordedArguments(record),
+                     QStringList{"https://lulltide.org/release_note/"});
         qputenv("PATH", originalPath);
         dialog->close();
     }

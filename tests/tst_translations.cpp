@@ -19,17 +19,6 @@
 class TranslationsTest : public QObject {
     Q_OBJECT
 
-    static QQuickItem* findIn(QQuickItem* parent, const QString& name)
-    {
-        for (QQuickItem* child : parent->childItems()) {
-            if (child->objectName() == name)
-                return child;
-            if (QQuickItem* found = findIn(child, name))
-                return found;
-        }
-        return nullptr;
-    }
-
     static QQuickWindow* windowNamed(const QString& objectName)
     {
         for (QWindow* window : QGuiApplication::allWindows()) {
@@ -83,9 +72,10 @@ private slots:
         QCOMPARE(window->title(), "设置");
         QStringList tabs;
         for (const char* tab : {"generalTab", "workflowTab", "styleTab", "aboutTab"})
-            tabs << findIn(window->contentItem(), tab)->property("text").toString();
+            tabs << TestSupport::findItem(window->contentItem(), tab)->property("text").toString();
         QCOMPARE(tabs, QStringList({"通用", "工作流", "风格", "关于"}));
-        QCOMPARE(findIn(window->contentItem(), "launchAtLogin")->property("text").toString(), "登录时启动");
+        QCOMPARE(TestSupport::findItem(window->contentItem(), "launchAtLogin")->property("text").toString(),
+                 "登录时启动");
         window->close();
     }
 
@@ -101,7 +91,8 @@ private slots:
         WindowController::showBreak();
         QQuickWindow* window = windowNamed("breakWindow");
         QVERIFY(window);
-        QCOMPARE(findIn(window->contentItem(), "skipButton")->property("text").toString(), "跳过");
+        QCOMPARE(TestSupport::findItem(window->contentItem(), "skipButton")->property("text").toString(),
+                 "跳过");
         WindowController::closeBreak();
     }
 

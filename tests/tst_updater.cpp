@@ -217,7 +217,8 @@ private slots:
         Updater updater(false);
         QCOMPARE(check(updater).outcome, Updater::Outcome::UpdateAvailable);
         updater.dialog()->findChild<QPushButton*>("downloadButton")->click();
-        QTRY_COMPARE(TestSupport::recordedArguments(record), QStringList{"https://lulltide.org/download/lulltide_1.2.0.deb"});
+        QTRY_COMPARE(TestSupport::recordedArguments(record),
+                     QStringList{"https://lulltide.org/download/lulltide_1.2.0.deb"});
         QVERIFY(!updater.dialog()->isVisible());
         qputenv("PATH", path);
     }

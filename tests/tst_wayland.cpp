@@ -60,16 +60,7 @@ class WaylandTest : public QObject {
     const QString socket = "wayland-lulltide-test";
     const QString kwinSocket = "wayland-lulltide-kwin";
 
-    struct Instance {
-        QTemporaryDir home;
-        QProcess process;
-        QString log() const { return TestSupport::logTextIn(home.path()); }
-        ~Instance()
-        {
-            process.terminate();
-            process.waitForFinished(5000);
-        }
-    };
+    using Instance = TestSupport::ProgramRun;
 
     QProcessEnvironment onWayland(const QString& home) const
     {

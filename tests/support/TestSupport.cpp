@@ -1,5 +1,7 @@
 #include "TestSupport.h"
 
+#include <QQuickItem>
+
 #include "logging/Logger.h"
 
 #include <QCoreApplication>
@@ -152,6 +154,28 @@ QStringList recordedArguments(const QString& record)
     QStringList arguments = QString::fromUtf8(file.readAll()).split(QChar(0));
     arguments.removeLast();
     return arguments;
+}
+
+QString ProgramRun::log() const
+{
+    return logTextIn(home.path());
+}
+
+ProgramRun::~ProgramRun()
+{
+    process.terminate();
+    process.waitForFinished(5000);
+}
+
+QQuickItem* findItem(QQuickItem* parent, const QString& objectName)
+{
+    for (QQuickItem* child : parent->childItems()) {
+        if (child->objectName() == objectName)
+            return child;
+        if (QQuickItem* found = findItem(child, objectName))
+            return found;
+    }
+    return nullptr;
 }
 
 QProcessEnvironment environmentWithHome(const QString& root)

@@ -1,9 +1,13 @@
 #pragma once
 
 #include <QByteArray>
+#include <QProcess>
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
+
+class QQuickItem;
 
 // Helpers shared by the test programs. Every program runs in a world of its own: HOME and the
 // XDG folders point into a fresh temporary directory before the application object exists.
@@ -46,6 +50,17 @@ void startPrivateDisplayWithWindowManager();
 QString writeStandInTool(const QString& folder, const QString& name);
 // What a stand-in tool was given; empty until it ran.
 QStringList recordedArguments(const QString& record);
+
+// One run of the real program with a HOME of its own, ended (SIGTERM) with the object.
+struct ProgramRun {
+    QTemporaryDir home;
+    QProcess process;
+    QString log() const;
+    ~ProgramRun();
+};
+
+// The first item below `parent` (at any depth) with the object name.
+QQuickItem* findItem(QQuickItem* parent, const QString& objectName);
 
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);
