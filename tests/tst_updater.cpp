@@ -148,6 +148,8 @@ private slots:
         qputenv("LULLTIDE_FEED_URL", feed->url().toUtf8());
     }
 
+    void cleanupTestCase() { delete feed; }
+
     void init() { feed->requests.clear(); }
 
     void noAutomaticCheckWhenTheSettingWasOffAtLaunchNorAfterALaterChange()

@@ -2,6 +2,8 @@
 
 #include "logging/Logger.h"
 
+#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickStyle>
@@ -23,6 +25,18 @@ QQmlEngine& engine()
             QQuickStyle::setStyle(QStringLiteral("Fusion"));
         auto* created = new QQmlEngine;
         created->addImportPath(QStringLiteral("qrc:/"));
+        // The windows and the engine live as long as the process; they go as it ends (while
+        // the platform is still there), so that the JavaScript heap is handed back in order.
+        qAddPostRoutine([] {
+            for (QWindow* window : QGuiApplication::allWindows()) {
+                if (!qobject_cast<QQuickWindow*>(window))
+                    continue;
+                // What reacts to a window's signals must not meet it half destroyed.
+                window->disconnect();
+                delete window;
+            }
+            delete &engine();
+        });
         return created;
     }();
     return *qmlEngine;

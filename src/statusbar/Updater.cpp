@@ -99,6 +99,12 @@ QUrl Updater::requestUrl(const QUrl& feed)
     return url;
 }
 
+// The dialog is a window of its own, not a child: it goes with the updater.
+Updater::~Updater()
+{
+    delete m_dialog;
+}
+
 void Updater::checkForUpdates()
 {
     showDialog().showChecking();

@@ -24,6 +24,7 @@ public:
 
     // Reads whether to check by itself now, once: a later change counts from the next launch.
     explicit Updater(bool automaticChecks, QObject* parent = nullptr);
+    ~Updater() override;
 
     // The feed: the configured one, or LULLTIDE_FEED_URL from the environment.
     static QUrl feedUrl();
