@@ -1,0 +1,169 @@
+#include "support/ManualTickSource.h"
+#include "support/TestMain.h"
+
+#include "app/AppControl.h"
+#include "app/AppDelegate.h"
+#include "app/AppState.h"
+#include "break/WindowController.h"
+#include "events/SystemEventActions.h"
+#include "preferences/PrefState.h"
+#include "timer/TicktackController.h"
+#include "timer/TicktackState.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QWindow>
+
+#include <cstdio>
+#include <unistd.h>
+
+// Many work/break cycles in a row on two screens, time stepped by hand, with the screen lock,
+// pauses and pointer moves thrown in at random: afterwards nothing is left behind. The number of
+// cycles comes from LULLTIDE_SOAK_CYCLES (bench/soak runs 10,000); the seed is printed, and
+// LULLTIDE_SOAK_SEED repeats a run.
+class SoakTest : public QObject {
+    Q_OBJECT
+
+    ManualTickSource* ticks = nullptr;
+
+    static qint64 residentKiB()
+    {
+        QFile statm("/proc/self/statm");
+        if (!statm.open(QIODevice::ReadOnly))
+            return -1;
+        const QList<QByteArray> fields = statm.readAll().split(' ');
+        return fields.size() > 1 ? fields.at(1).toLongLong() * (sysconf(_SC_PAGESIZE) / 1024) : -1;
+    }
+
+    static QList<QWindow*> breakWindows()
+    {
+        QList<QWindow*> windows;
+        for (QWindow* window : QGuiApplication::allWindows()) {
+            if (window->objectName() == QLatin1String("breakWindow"))
+                windows << window;
+        }
+        return windows;
+    }
+
+    // Lets the fades run a little and what was let go be deleted, as the event loop does
+    // between ticks.
+    static void settle()
+    {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        ticks = new ManualTickSource;
+        TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
+        PrefState& prefs = AppState::prefState();
+        prefs.setWorkTimeString("0.05"); // 3 ticks
+        prefs.setBreakTimeString("2");   // 2 ticks
+        prefs.setLongBreakTimeString("0.05");
+        prefs.setShortBreakTimesString("3");
+        prefs.setShowNewDayTip(false);
+        AppDelegate().applicationDidFinishLaunching();
+    }
+
+    void cyclesWithLocksPausesAndPointerMovesLeaveNothingBehind()
+    {
+        const int cycles = qEnvironmentVariableIsSet("LULLTIDE_SOAK_CYCLES")
+                               ? qEnvironmentVariableIntValue("LULLTIDE_SOAK_CYCLES")
+                               : 1000;
+        const quint32 seed = qEnvironmentVariableIsSet("LULLTIDE_SOAK_SEED")
+                                 ? quint32(qEnvironmentVariableIntValue("LULLTIDE_SOAK_SEED"))
+                                 : 20261122u;
+        std::printf("soak: %d cycles, seed %u\n", cycles, seed);
+        QRandomGenerator random(seed);
+
+        int breaks = 0;
+        bool inBreak = false;
+        qint64 settledMemory = -1;
+        int locks = 0, pauses = 0, moves = 0;
+        while (breaks < cycles) {
+            const int roll = int(random.bounded(100));
+            if (roll < 80) {
+                ticks->tick();
+            } else if (roll < 87) {
+                ++moves;
+                SystemEventActions::onTrigger();
+            } else if (roll < 94) {
+                ++locks;
+                SystemEventActions::didLockScreenShow();
+                settle();
+                SystemEventActions::didLockScreenDismiss();
+            } else {
+                ++pauses;
+                AppControl::pause();
+                settle();
+                AppControl::resume();
+            }
+            settle();
+            const bool nowInBreak = WindowController::isBreakShown();
+            if (nowInBreak && !inBreak) {
+                ++breaks;
+                // Memory once everything a break makes exists, and the QML engine is warm.
+                if (breaks == qMin(100, cycles / 2))
+                    settledMemory = residentKiB();
+            }
+            inBreak = nowInBreak;
+        }
+        // End in a work period, with every fade done.
+        AppControl::pause();
+        QTest::qWait(1200);
+        const qint64 finalMemory = residentKiB();
+        std::printf(
+            "soak: %d breaks, %d locks, %d pauses, %d pointer moves; resident %lld KiB after %d breaks, "
+            "%lld KiB at the end\n",
+            breaks, locks, pauses, moves, static_cast<long long>(settledMemory), qMin(100, cycles / 2),
+            static_cast<long long>(finalMemory));
+
+        // One break window per screen, made once and reused, none visible.
+        const QList<QWindow*> windows = breakWindows();
+        QCOMPARE(windows.size(), QGuiApplication::screens().size());
+        QStringList titles;
+        for (QWindow* window : windows) {
+            titles << window->title();
+            QVERIFY2(!window->isVisible(), qPrintable(window->title()));
+        }
+        titles.sort();
+        QCOMPARE(titles, QStringList({"DP-1", "HDMI-1"}));
+
+        // The log: every countdown that started was stopped before the next one started.
+        bool running = false;
+        int starts = 0;
+        for (const QString& line : TestSupport::logLines()) {
+            if (line.contains(" : ticktack timer start ")) {
+                QVERIFY2(!running, qPrintable("started twice without a stop: " + line));
+                running = true;
+                ++starts;
+            } else if (line.contains(" : ticktack timer stoped ")) {
+                running = false;
+            }
+        }
+        QVERIFY(!running); // the pause at the end stopped the last one
+        QVERIFY(starts >= 2 * cycles);
+
+        // Memory did not grow: the last cycles cost nothing the first ones did not (a little
+        // slack for the allocator's own bookkeeping).
+        QVERIFY(settledMemory > 0);
+        QVERIFY2(finalMemory - settledMemory < 4096,
+                 qPrintable(QStringLiteral("grew by %1 KiB").arg(finalMemory - settledMemory)));
+    }
+};
+
+static void useTwoOffscreenScreens()
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" TESTS_SOURCE_DIR "/support/screens.json");
+    qputenv("QT_QUICK_BACKEND", "software");
+}
+
+int main(int argc, char* argv[])
+{
+    return TestSupport::runTests<SoakTest>(argc, argv, nullptr, useTwoOffscreenScreens);
+}
+
+#include "tst_soak.moc"
