@@ -14,6 +14,7 @@
 #include "timer/TicktackController.h"
 #include "timer/TicktackState.h"
 
+#include <QPointer>
 #include <QPropertyAnimation>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -460,6 +461,25 @@ private slots:
         QCOMPARE(breakWindow("HDMI-1"), window);
     }
 
+    void closedBreakWindowLetsItsViewGoKeepsItsFrameAndGetsANewViewAtTheNextBreak()
+    {
+        finishWork();
+        QQuickWindow* window = breakWindow("HDMI-1");
+        const QPointer<QQuickItem> countdown = child(window, "breakCountdown");
+        QVERIFY(countdown);
+        finishBreak();
+        QTRY_VERIFY(countdown.isNull());
+        QVERIFY(window->contentItem()->childItems().isEmpty());
+        QCOMPARE(window->geometry(), QRect(1280, 0, 1024, 768));
+        finishWork();
+        QCOMPARE(breakWindow("HDMI-1"), window);
+        QQuickItem* fresh = child(window, "breakCountdown");
+        if (!fresh)
+            QFAIL("no break view at the second break");
+        QCOMPARE(fresh->property("text").toString(), "05:00");
+        QVERIFY(window->isVisible());
+    }
+
     void screenWithoutANameIsDisplayZero()
     {
         QCOMPARE(WindowController::displayIdentifier(nullptr), "0");
@@ -477,7 +497,9 @@ private slots:
         finishBreak();
         QCOMPARE(breakWindows().size(), windows + 1);
         QQuickWindow* fresh = breakWindow("HDMI-1");
-        QVERIFY(fresh && fresh != detached);
+        if (!fresh)
+            QFAIL("no break window for HDMI-1");
+        QVERIFY(fresh != detached);
         QVERIFY(!fresh->isVisible());
         QCOMPARE(fresh->geometry(), QRect(1280, 0, 1024, 768));
         // The window of the screen that went away does not outlast the break either.

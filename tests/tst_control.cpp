@@ -42,7 +42,7 @@ class ControlTest : public QObject {
     }
 
     // Runs `lulltide arguments` to its end, as a script does.
-    static Ran lulltide(const QStringList& arguments, QProcessEnvironment env = {})
+    static Ran lulltide(const QStringList& arguments, const QProcessEnvironment& env = {})
     {
         static QTemporaryDir clientHome;
         QProcess process;

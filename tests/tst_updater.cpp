@@ -338,7 +338,7 @@ private slots:
 
     void aBodyOverOneMebibyteIsRefused()
     {
-        feed->serve(QByteArray(2 * 1024 * 1024, 'x'));
+        feed->serve(QByteArray(qsizetype(2) * 1024 * 1024, 'x'));
         Updater updater(false);
         Check result = check(updater);
         QCOMPARE(result.outcome, Updater::Outcome::Failed);
@@ -346,7 +346,7 @@ private slots:
 
         // Without a length told beforehand, too: reading stops past 1 MiB.
         feed->response = "HTTP/1.1 200 OK\r\nContent-Type: application/rss+xml\r\nConnection: close\r\n\r\n";
-        feed->streamBody = QByteArray(2 * 1024 * 1024, 'x');
+        feed->streamBody = QByteArray(qsizetype(2) * 1024 * 1024, 'x');
         result = check(updater);
         QCOMPARE(result.outcome, Updater::Outcome::Failed);
         QVERIFY2(result.error.contains("larger than 1 MiB"), qPrintable(result.error));

@@ -65,7 +65,10 @@ void ControlService::announce()
             m_sinceCountdown.start();
             m_countdownPending.stop();
         } else if (!m_countdownPending.isActive()) {
-            m_countdownPending.start(int(countdownInterval - since));
+            // Said a little after the next regular tick would be: that tick, when it comes,
+            // says it in passing and keeps the announcements in step with the ticks (one
+            // wake-up a second, not two); when none comes, this does.
+            m_countdownPending.start(countdownInterval + countdownSlack);
         }
     }
     if (changed.isEmpty())

@@ -9,16 +9,27 @@
 #include <QQuickStyle>
 #include <QQuickWindow>
 
+#include <malloc.h>
+
 namespace QmlEngine {
+
+namespace {
+QQmlEngine* made = nullptr;
+}
+
+void chooseRenderer()
+{
+    // Our views are text and flat shapes: Qt Quick's software renderer draws them without
+    // an OpenGL context per monitor, and puts the first break screen up several times
+    // sooner (see bench/break-latency). QT_QUICK_BACKEND still chooses another.
+    if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+}
 
 QQmlEngine& engine()
 {
     static QQmlEngine* qmlEngine = [] {
-        // Our views are text and flat shapes: Qt Quick's software renderer draws them without
-        // an OpenGL context per monitor, and puts the first break screen up several times
-        // sooner (see bench/break-latency). QT_QUICK_BACKEND still chooses another.
-        if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
-            QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+        chooseRenderer();
         // Fusion draws its controls from the desktop's palette, light or dark, and looks at
         // home beside other Linux programs; QT_QUICK_CONTROLS_STYLE still chooses another.
         if (qEnvironmentVariableIsEmpty("QT_QUICK_CONTROLS_STYLE"))
@@ -37,9 +48,21 @@ QQmlEngine& engine()
             }
             delete &engine();
         });
+        made = created;
         return created;
     }();
     return *qmlEngine;
+}
+
+void releaseMemory()
+{
+    if (!made)
+        return;
+    made->collectGarbage();
+#ifdef __GLIBC__
+    // glibc keeps freed pages for the next allocation; between breaks there is none for long.
+    malloc_trim(0);
+#endif
 }
 
 QUrl viewUrl(const QString& viewName)

@@ -18,6 +18,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QScreen>
+#include <QTimer>
 
 namespace WindowController {
 namespace {
@@ -77,23 +78,23 @@ void present(QQuickWindow* window)
     window->raise();
 }
 
-QQuickWindow* breakWindow(const QRect& frame, const QString& displayId, QScreen* screen)
+QQuickItem* makeBreakView()
 {
-    // The view first: making the engine chooses the renderer the window will use.
     QObject* view =
         QmlEngine::create(QStringLiteral("BreakView"),
                           {
                               {QStringLiteral("promptState"), QVariant::fromValue(&AppState::promptState())},
                               {QStringLiteral("breakState"), QVariant::fromValue(&AppState::breakState())},
                           });
-
     auto* item = qobject_cast<QQuickItem*>(view);
-    if (!item) {
-        // A window without its view would cover the screen with no way out.
+    if (!item)
         delete view;
-        return nullptr;
-    }
+    return item;
+}
 
+QQuickWindow* newBreakWindow(const QRect& frame, const QString& displayId, QScreen* screen)
+{
+    QmlEngine::chooseRenderer();
     auto* window = new QQuickWindow;
     window->setObjectName(QLatin1String(breakWindowName));
     window->setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
@@ -108,20 +109,58 @@ QQuickWindow* breakWindow(const QRect& frame, const QString& displayId, QScreen*
     window->setTitle(displayId);
     window->setScreen(screen);
     window->setGeometry(frame);
-
-    item->setParent(window);
-    item->setParentItem(window->contentItem());
-
-    present(window);
     return window;
 }
 
+bool hasView(const QQuickWindow* window)
+{
+    return !window->contentItem()->childItems().isEmpty();
+}
+
+// The screen's break window with its view, made as needed; null when the view cannot be made:
+// a window without its view would cover the screen with no way out.
 QQuickWindow* window(QScreen* screen)
 {
     const QString displayId = displayIdentifier(screen);
-    if (QQuickWindow* existing = findWindow(displayId))
+    QQuickWindow* existing = findWindow(displayId);
+    if (existing && hasView(existing))
         return existing;
-    return breakWindow(screen->geometry(), displayId, screen);
+    // The view first: making the engine chooses the renderer the window will use.
+    QQuickItem* item = makeBreakView();
+    if (!item)
+        return nullptr;
+    QQuickWindow* window = existing ? existing : newBreakWindow(screen->geometry(), displayId, screen);
+    item->setParent(window);
+    item->setParentItem(window->contentItem());
+    return window;
+}
+
+// Hands back what a break built, once it is over: the view (its text layouts and glyphs) and
+// the window's full-screen buffer, 8 MB per 1080p screen, which Qt keeps for the window's
+// lifetime. The window object stays, hidden, so the next break finds it by title, gives it a
+// new view and a buffer of its size again.
+void release(QQuickWindow* window)
+{
+    if (!hasView(window))
+        return; // never drawn: nothing to hand back
+    for (QQuickItem* view : window->contentItem()->childItems()) {
+        // Later: the view may be running the Skip button's click that ended the break.
+        view->setParentItem(nullptr);
+        QObject::connect(view, &QObject::destroyed, [] {
+            // Once the views are gone, so can be the script objects they used, and the heap
+            // pages freed with them go back to the system.
+            QTimer::singleShot(0, [] { QmlEngine::releaseMemory(); });
+        });
+        view->deleteLater();
+    }
+    // The buffer follows the window's size when a frame is drawn. Without its native window a
+    // new size applies at once, so one frame drawn off screen at one pixel shrinks the buffer
+    // (and brings the native window back); the frame is then put back for the next break.
+    const QRect frame = window->geometry();
+    window->destroy();
+    window->resize(1, 1);
+    window->grabWindow();
+    window->setGeometry(frame);
 }
 
 } // namespace
@@ -271,24 +310,21 @@ bool showBreak()
 void closeBreak()
 {
     breakShown = false;
+    // Every screen has its break window from here on, shown or not (no view is made for
+    // it: that waits for a break to show).
     for (QScreen* screen : QGuiApplication::screens()) {
-        QQuickWindow* w = window(screen);
-        if (!w)
-            continue;
-        fade(w, 0.0);
-        // Closed at once rather than when the fade ends: the break is over now. Hiding keeps
-        // the window in the window list for the next break.
-        w->hide();
+        const QString displayId = displayIdentifier(screen);
+        if (!findWindow(displayId))
+            newBreakWindow(screen->geometry(), displayId, screen)->create();
     }
-
-    // The window of a screen unplugged during the break is no screen's any more; Qt moved it
-    // to another screen, where it must not outlast the break.
-    QStringList screenIds;
-    for (const QScreen* screen : QGuiApplication::screens())
-        screenIds << displayIdentifier(screen);
+    // Every break window goes, the one of a screen unplugged during the break too (Qt moved it
+    // to another screen, where it must not outlast the break). Closed at once: the break is
+    // over now.
     for (QWindow* window : QGuiApplication::allWindows()) {
-        if (window->objectName() == QLatin1String(breakWindowName) && !screenIds.contains(window->title()))
-            window->hide();
+        if (window->objectName() != QLatin1String(breakWindowName))
+            continue;
+        window->hide();
+        release(static_cast<QQuickWindow*>(window));
     }
     emit AppState::changes().changed();
 }

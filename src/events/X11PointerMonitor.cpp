@@ -65,9 +65,9 @@ void X11PointerMonitor::readEvents()
     while (XPending(m_display)) {
         XEvent event;
         XNextEvent(m_display, &event);
-        if (event.xcookie.type == GenericEvent && event.xcookie.extension == m_xinputOpcode)
-            active = true; // raw events need no data: that something happened is enough
-        else if (event.type == m_xkbEventBase)
+        // Raw events need no data: that something happened is enough.
+        if ((event.xcookie.type == GenericEvent && event.xcookie.extension == m_xinputOpcode) ||
+            event.type == m_xkbEventBase)
             active = true;
     }
     // One report for everything read at once: motion comes in bursts.

@@ -3,7 +3,7 @@
 #include "PointerMonitor.h"
 
 class QSocketNotifier;
-struct _XDisplay;
+struct _XDisplay; // NOLINT(bugprone-reserved-identifier): Xlib's own name for Display
 
 // Pointer activity on X11: XInput2 raw motion and button events of the root window, and XKB
 // modifier-state changes, read from a connection of its own inside the event loop.

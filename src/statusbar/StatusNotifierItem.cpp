@@ -73,7 +73,7 @@ QString StatusNotifierItem::iconThemePath() const
 {
     // Installed beside the program (…/bin and …/share), or in the build tree: the panel finds
     // the icon there when it is not in the system's icon theme.
-    const QString icons =
+    QString icons =
         QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/icons"));
     if (QFile::exists(icons + QStringLiteral("/hicolor/scalable/status/") + themeIconName() +
                       QStringLiteral(".svg")))

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr qint64 largestFeed = 1024 * 1024;
+constexpr qint64 largestFeed = qint64(1024) * 1024;
 std::chrono::milliseconds firstCheckDelay = std::chrono::seconds(60);
 
 bool isLoopback(const QUrl& url)

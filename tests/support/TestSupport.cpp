@@ -23,7 +23,7 @@ QString isolateUserDirs()
 {
     static QTemporaryDir* root =
         new QTemporaryDir(QDir::tempPath() + QStringLiteral("/lulltide-test-XXXXXX"));
-    const QString home = root->path();
+    QString home = root->path();
     qputenv("HOME", home.toUtf8());
     qputenv("XDG_CONFIG_HOME", (home + QStringLiteral("/.config")).toUtf8());
     qputenv("XDG_CACHE_HOME", (home + QStringLiteral("/.cache")).toUtf8());
@@ -135,7 +135,7 @@ void startPrivateDisplayWithWindowManager()
 
 QString writeStandInTool(const QString& folder, const QString& name)
 {
-    const QString record = folder + u'/' + name + QStringLiteral(".args");
+    QString record = folder + u'/' + name + QStringLiteral(".args");
     QFile script(folder + u'/' + name);
     script.open(QIODevice::WriteOnly);
     script.write(QStringLiteral("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\0' \"$a\"; done > '%1'\n")
