@@ -1,5 +1,5 @@
 // Measures how long the break screen takes to appear: from the tick that ends the work
-// countdown to the first frame of the primary screen's break window on the X server.
+// countdown to the first frame of the break window on every screen, drawn on the X server.
 // Run it through bench/break-latency, which gives it a virtual X server and a scratch HOME.
 #include "app/AppState.h"
 #include "break/PromptState.h"
@@ -16,22 +16,23 @@
 #include <QTimer>
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
-static QQuickWindow* primaryBreakWindow()
+static QList<QQuickWindow*> breakWindows()
 {
-    const QString title = WindowController::displayIdentifier(QGuiApplication::primaryScreen());
+    QList<QQuickWindow*> windows;
     for (QWindow* window : QGuiApplication::allWindows()) {
-        if (window->objectName() == QLatin1String("breakWindow") && window->title() == title)
-            return qobject_cast<QQuickWindow*>(window);
+        if (window->objectName() == QLatin1String("breakWindow") && window->isVisible())
+            windows << qobject_cast<QQuickWindow*>(window);
     }
-    return nullptr;
+    return windows;
 }
 
 int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    const int rounds = argc > 1 ? std::max(1, atoi(argv[1])) : 10;
+    const int rounds = argc > 1 ? std::max(1, atoi(argv[1])) : 20;
 
     QElapsedTimer clock;
     QList<double> latencies;
@@ -47,14 +48,19 @@ int main(int argc, char* argv[])
     QObject::connect(&AppState::workState(), &TicktackState::timesUpChanged, [&](bool up) {
         if (!up)
             return;
-        QQuickWindow* window = primaryBreakWindow();
-        QObject::connect(
-            window, &QQuickWindow::frameSwapped, &frameShown,
-            [&] {
-                latencies << clock.nsecsElapsed() / 1e6;
-                frameShown.quit();
-            },
-            Qt::SingleShotConnection);
+        const QList<QQuickWindow*> windows = breakWindows();
+        auto waiting = std::make_shared<qsizetype>(windows.size());
+        for (QQuickWindow* window : windows) {
+            QObject::connect(
+                window, &QQuickWindow::frameSwapped, &frameShown,
+                [&, waiting] {
+                    if (--*waiting > 0)
+                        return;
+                    latencies << clock.nsecsElapsed() / 1e6;
+                    frameShown.quit();
+                },
+                Qt::SingleShotConnection);
+        }
     });
 
     for (int round = 0; round <= rounds; ++round) {
