@@ -22,6 +22,10 @@ void chooseRenderer()
     // Our views are text and flat shapes: Qt Quick's software renderer draws them without
     // an OpenGL context per monitor, and puts the first break screen up several times
     // sooner (see bench/break-latency). QT_QUICK_BACKEND still chooses another.
+    static bool chosen = false;
+    if (chosen)
+        return;
+    chosen = true;
     if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
 }
