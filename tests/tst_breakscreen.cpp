@@ -151,6 +151,27 @@ private slots:
         QTRY_VERIFY(program.messages().count("ticktack timer start 3.0") >= 2);
     }
 
+    // Between breaks the windows hand back their buffers; the next break must still cover
+    // every monitor whole, with the same hints.
+    void secondBreakCoversEachMonitorWholeAgain()
+    {
+        Program program;
+        start(program, "work_time=0.05\nbreak_time=2\n");
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 2000);
+        QCOMPARE(program.messages().count("ticktack timer start 2.0"), 2);
+        const QString left = windowsNamed("DUMMY0", true).first();
+        const QString right = windowsNamed("EXTRA1", true).first();
+        QTRY_COMPARE_WITH_TIMEOUT(geometryOf(left), QRect(0, 0, 1280, 800), 2000);
+        QTRY_COMPARE_WITH_TIMEOUT(geometryOf(right), QRect(1280, 0, 1024, 768), 2000);
+        const QString state = run("xprop", {"-id", right, "_NET_WM_STATE"});
+        QVERIFY2(state.contains("_NET_WM_STATE_ABOVE") && state.contains("_NET_WM_STATE_FULLSCREEN"),
+                 qPrintable(state));
+        QCOMPARE(windowsNamed("DUMMY0", false).size(), 1);
+    }
+
     void underAWindowManagerBreakWindowsAreFullScreenOnEveryDesktopAndFocused()
     {
         QProcess windowManager;
