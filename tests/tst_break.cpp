@@ -433,6 +433,18 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(primary->opacity(), 1.0, 2000);
     }
 
+    void breakClosedWhileFadingInLeavesNoAnimationRunning()
+    {
+        finishWork();
+        QQuickWindow* primary = breakWindow("DP-1");
+        QVERIFY(primary->findChild<QPropertyAnimation*>("fade"));
+        WindowController::closeBreak();
+        for (QQuickWindow* window : breakWindows()) {
+            for (const QPropertyAnimation* animation : window->findChildren<QPropertyAnimation*>())
+                QCOMPARE(animation->state(), QAbstractAnimation::Stopped);
+        }
+    }
+
     void primaryScreensBreakWindowTakesTheFocus()
     {
         finishWork();

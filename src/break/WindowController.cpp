@@ -51,13 +51,18 @@ QObject* fadeTarget(QQuickWindow* window)
     return fadesWholeWindows() ? static_cast<QObject*>(window) : window->contentItem();
 }
 
-void fade(QQuickWindow* window, qreal to)
+void stopFade(QQuickWindow* window)
 {
-    // A new fade replaces one still running, so a quick close and reopen do not fight.
     if (auto* running = window->findChild<QPropertyAnimation*>(QLatin1String(fadeName))) {
         running->setObjectName(QString()); // it lingers until deleted later
         running->stop();
     }
+}
+
+void fade(QQuickWindow* window, qreal to)
+{
+    // A new fade replaces one still running, so a quick close and reopen do not fight.
+    stopFade(window);
     QObject* target = fadeTarget(window);
     auto* animation = new QPropertyAnimation(target, "opacity", window);
     animation->setObjectName(QLatin1String(fadeName));
@@ -323,8 +328,11 @@ void closeBreak()
     for (QWindow* window : QGuiApplication::allWindows()) {
         if (window->objectName() != QLatin1String(breakWindowName))
             continue;
+        auto* quickWindow = static_cast<QQuickWindow*>(window);
+        // A fade-in still running would go on drawing a window nobody sees.
+        stopFade(quickWindow);
         window->hide();
-        release(static_cast<QQuickWindow*>(window));
+        release(quickWindow);
     }
     emit AppState::changes().changed();
 }
