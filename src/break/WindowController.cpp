@@ -161,6 +161,10 @@ void release(QQuickWindow* window)
     // The buffer follows the window's size when a frame is drawn. Without its native window a
     // new size applies at once, so one frame drawn off screen at one pixel shrinks the buffer
     // (and brings the native window back); the frame is then put back for the next break.
+    // X11 only: a Wayland window without its surface cannot draw that frame (the program
+    // stops answering).
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        return;
     const QRect frame = window->geometry();
     window->destroy();
     window->resize(1, 1);
