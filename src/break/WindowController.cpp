@@ -140,24 +140,13 @@ QQuickWindow* window(QScreen* screen)
     return window;
 }
 
-// Hands back what a break built, once it is over: the view (its text layouts and glyphs) and
-// the window's full-screen buffer, 8 MB per 1080p screen, which Qt keeps for the window's
-// lifetime. The window object stays, hidden, so the next break finds it by title, gives it a
-// new view and a buffer of its size again.
+// Hands back the window's full-screen buffer once the break is over: 8 MB per 1080p screen,
+// which Qt keeps for the window's lifetime. The window and its view stay, hidden, so the next break finds them by title (making the view
+// anew at every break cost more time than the memory it held was worth).
 void release(QQuickWindow* window)
 {
     if (!hasView(window))
         return; // never drawn: nothing to hand back
-    for (QQuickItem* view : window->contentItem()->childItems()) {
-        // Later: the view may be running the Skip button's click that ended the break.
-        view->setParentItem(nullptr);
-        QObject::connect(view, &QObject::destroyed, [] {
-            // Once the views are gone, so can be the script objects they used, and the heap
-            // pages freed with them go back to the system.
-            QTimer::singleShot(0, [] { QmlEngine::releaseMemory(); });
-        });
-        view->deleteLater();
-    }
     // The buffer follows the window's size when a frame is drawn. Without its native window a
     // new size applies at once, so one frame drawn off screen at one pixel shrinks the buffer
     // (and brings the native window back); the frame is then put back for the next break.
@@ -338,6 +327,8 @@ void closeBreak()
         window->hide();
         release(quickWindow);
     }
+    // The script heap's garbage of the break goes too, once the views have seen the end.
+    QTimer::singleShot(0, [] { QmlEngine::releaseMemory(); });
     emit AppState::changes().changed();
 }
 
