@@ -147,7 +147,8 @@ private slots:
         // The break ends by itself: both windows close, one work period follows.
         QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 10000);
         QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
-        QCOMPARE(windowsNamed("DUMMY0", false).size(), 1); // closed, kept for the next break
+        // Closed, kept for the next break (its native window is made anew, with a small buffer).
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", false).size(), 1, 2000);
         QTRY_VERIFY(program.messages().count("ticktack timer start 3.0") >= 2);
     }
 

@@ -148,8 +148,8 @@ void release(QQuickWindow* window)
     if (!hasView(window))
         return; // never drawn: nothing to hand back
     // The buffer follows the window's size when a frame is drawn. Without its native window a
-    // new size applies at once, so one frame drawn off screen at one pixel shrinks the buffer
-    // (and brings the native window back); the frame is then put back for the next break.
+    // new size applies at once, so one frame drawn off screen at one pixel shrinks the buffer;
+    // the frame is then put back for the next break.
     // X11 only: a Wayland window without its surface cannot draw that frame (the program
     // stops answering).
     if (QGuiApplication::platformName() != QLatin1String("xcb"))
@@ -158,6 +158,9 @@ void release(QQuickWindow* window)
     window->destroy();
     window->resize(1, 1);
     window->grabWindow();
+    // The native window comes back now, not at the next break, so that the window stays in
+    // the window manager's and the tools' lists as a closed break window.
+    window->create();
     window->setGeometry(frame);
 }
 
