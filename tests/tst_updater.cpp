@@ -255,7 +255,8 @@ private slots:
         opened = tools.filePath("opened");
         QFile standIn(tools.filePath("xdg-open"));
         QVERIFY(standIn.open(QIODevice::WriteOnly));
-        standIn.write("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\0' \"$a\"; done >>'" + opened.toUtf8() + "'\n");
+        standIn.write("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\0' \"$a\"; done >>'" + opened.toUtf8() +
+                      "'\n");
         standIn.close();
         standIn.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         qputenv("PATH", tools.path().toUtf8() + ":" + qgetenv("PATH"));
@@ -755,6 +756,21 @@ private slots:
         QByteArray fits = feedOf({"2.0"});
         fits.replace(from, QByteArray(to).replace(QByteArray(5000, 'x'), QByteArray(4096, 'x')));
         QCOMPARE(Appcast::parse(fits).error, QString());
+    }
+
+    void aVersionThatIsNotDottedNumbersFailsAtConfigure()
+    {
+        QTemporaryDir build;
+        const QString source = QStringLiteral(TESTS_SOURCE_DIR "/..");
+        QProcess cmake;
+        cmake.setProcessChannelMode(QProcess::MergedChannels);
+        cmake.start("cmake",
+                    {"-S", source, "-B", build.path(), "-G", "Ninja", "-DLULLTIDE_VERSION=1.0.0-rc1"});
+        QVERIFY(cmake.waitForFinished(300000));
+        const QString output = QString::fromUtf8(cmake.readAll()).simplified();
+        QVERIFY2(cmake.exitCode() != 0, qPrintable(output));
+        QVERIFY2(output.contains("LULLTIDE_VERSION must be dotted numbers such as 1.2.0, not \"1.0.0-rc1\""),
+                 qPrintable(output));
     }
 
     void closingTheDialogWhileCheckingCancelsTheCheck_data()
