@@ -53,6 +53,14 @@
         <source>the feed is not well-formed XML (</source>
         <translation>更新源不是格式正确的 XML（</translation>
     </message>
+    <message>
+        <source>the feed&apos;s download link is not an https address</source>
+        <translation>更新源中的下载链接不是 https 地址</translation>
+    </message>
+    <message>
+        <source>the feed&apos;s release notes link is not an https address</source>
+        <translation>更新源中的更新说明链接不是 https 地址</translation>
+    </message>
 </context>
 <context>
     <name>BreakStyle</name>
@@ -381,6 +389,14 @@
     <message>
         <source>the update server did not answer in time</source>
         <translation>更新服务器没有及时回应</translation>
+    </message>
+    <message>
+        <source>the update server did not answer in time (%1 s)</source>
+        <translation>更新服务器没有及时回应（%1 秒）</translation>
+    </message>
+    <message>
+        <source>the update server sent too many redirects (more than %1)</source>
+        <translation>更新服务器的重定向次数过多（超过 %1 次）</translation>
     </message>
     <message>
         <source>the update server could not be found; are you online?</source>

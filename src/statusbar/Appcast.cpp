@@ -8,11 +8,18 @@ namespace Appcast {
 namespace {
 
 const QString sparkle = QStringLiteral("http://www.andymatuschak.org/xml-namespaces/sparkle");
-constexpr qsizetype longestText = 4096; // no field of a feed needs more
+constexpr qsizetype longestText = 4096; // no text or attribute of a feed needs more
+
+QString tooLongText()
+{
+    return QCoreApplication::translate("Appcast", "the feed holds a text far too long for an update feed");
+}
 
 std::optional<QList<quint64>> numbers(const QString& version)
 {
-    static const QRegularExpression dotted(QStringLiteral("^\\d{1,9}(\\.\\d{1,9}){0,5}$"));
+    // Anchored to the very end: "$" alone would let a final line break through.
+    static const QRegularExpression dotted(
+        QRegularExpression::anchoredPattern(QStringLiteral("\\d{1,9}(\\.\\d{1,9}){0,5}")));
     if (!dotted.match(version).hasMatch())
         return std::nullopt;
     QList<quint64> parts;
@@ -22,6 +29,11 @@ std::optional<QList<quint64>> numbers(const QString& version)
 }
 
 } // namespace
+
+bool isHttpsLink(const QUrl& url)
+{
+    return url.isValid() && url.scheme() == QLatin1String("https") && !url.host().isEmpty();
+}
 
 std::optional<int> compareVersions(const QString& a, const QString& b)
 {
@@ -45,6 +57,7 @@ Result parse(const QByteArray& feed)
     bool sawRss = false;
     AppcastItem item;
     bool inItem = false;
+    qsizetype textRun = 0; // a text may come in several pieces
     auto fail = [&](const QString& why) {
         result.items.clear();
         result.error = why;
@@ -56,6 +69,10 @@ Result parse(const QByteArray& feed)
         if (xml.tokenType() == QXmlStreamReader::DTD)
             return fail(QCoreApplication::translate(
                 "Appcast", "the feed declares a document type, which no update feed needs"));
+        textRun = xml.isCharacters() ? textRun + xml.text().size() : 0;
+        if (textRun > longestText || xml.text().size() > longestText ||
+            xml.processingInstructionData().size() > longestText)
+            return fail(tooLongText());
         if (xml.tokenType() == QXmlStreamReader::StartElement) {
             const auto name = xml.name();
             for (const QXmlStreamAttribute& attribute : xml.attributes()) {
@@ -85,8 +102,7 @@ Result parse(const QByteArray& feed)
                     if (xml.hasError())
                         break;
                     if (text.size() > longestText)
-                        return fail(QCoreApplication::translate(
-                            "Appcast", "the feed holds a text far too long for an update feed"));
+                        return fail(tooLongText());
                     if (name == QLatin1String("title"))
                         item.title = text;
                     else if (name == QLatin1String("version"))
@@ -105,6 +121,14 @@ Result parse(const QByteArray& feed)
                 return fail(
                     QCoreApplication::translate("Appcast", "the feed names a version that is no version: ") +
                     item.version.left(40));
+            // Links are handed to the browser: a file, a script or a program must never get there.
+            if (!item.downloadUrl.isEmpty() && !isHttpsLink(QUrl(item.downloadUrl, QUrl::StrictMode)))
+                return fail(QCoreApplication::translate("Appcast",
+                                                        "the feed's download link is not an https address"));
+            if (!item.releaseNotesLink.isEmpty() &&
+                !isHttpsLink(QUrl(item.releaseNotesLink, QUrl::StrictMode)))
+                return fail(QCoreApplication::translate(
+                    "Appcast", "the feed's release notes link is not an https address"));
             if (item.shortVersion.isEmpty())
                 item.shortVersion = item.version;
             result.items << item;

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QMetaType>
 #include <QString>
+#include <QUrl>
 #include <optional>
 
 // One release in an update feed.
@@ -28,7 +29,11 @@ struct Result {
     QString error; // empty when the feed was read
 };
 
+// Every item's links are absolute https addresses with a host (see isHttpsLink).
 Result parse(const QByteArray& feed);
+
+// Whether a link from a feed may be opened: an absolute https address with a host, nothing else.
+bool isHttpsLink(const QUrl& url);
 
 // Compares two versions of dotted numbers; nullopt when either is no such version.
 std::optional<int> compareVersions(const QString& a, const QString& b);

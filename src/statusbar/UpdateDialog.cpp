@@ -25,10 +25,13 @@ UpdateDialog::UpdateDialog(QWidget* parent) : QDialog(parent)
     bold.setBold(true);
     bold.setPointSizeF(bold.pointSizeF() * 1.15);
     m_headline->setFont(bold);
+    // Both may quote the feed or the server: shown as the text it is, never as markup.
+    m_headline->setTextFormat(Qt::PlainText);
 
     m_message = new QLabel;
     m_message->setObjectName(QStringLiteral("updateMessage"));
     m_message->setWordWrap(true);
+    m_message->setTextFormat(Qt::PlainText);
 
     m_notes = new QLabel;
     m_notes->setObjectName(QStringLiteral("updateNotesLink"));
@@ -48,12 +51,10 @@ UpdateDialog::UpdateDialog(QWidget* parent) : QDialog(parent)
     m_close = new QPushButton(tr("OK"));
     m_close->setObjectName(QStringLiteral("closeButton"));
 
-    connect(m_cancel, &QPushButton::clicked, this, [this] {
-        emit cancelled();
-        hide();
-    });
+    connect(m_cancel, &QPushButton::clicked, this, &UpdateDialog::reject);
     connect(m_download, &QPushButton::clicked, this, [this] {
-        QDesktopServices::openUrl(m_downloadTarget);
+        if (Appcast::isHttpsLink(m_downloadTarget))
+            QDesktopServices::openUrl(m_downloadTarget);
         hide();
     });
     connect(m_close, &QPushButton::clicked, this, &QDialog::hide);
@@ -80,6 +81,14 @@ UpdateDialog::UpdateDialog(QWidget* parent) : QDialog(parent)
     layout->addLayout(buttons);
 }
 
+// Closing the window while it checks cancels the check, so its result cannot bring it back.
+void UpdateDialog::reject()
+{
+    if (m_checking)
+        emit cancelled();
+    QDialog::reject();
+}
+
 void UpdateDialog::present(const QString& headline, const QString& message)
 {
     m_headline->setText(headline);
@@ -94,6 +103,7 @@ void UpdateDialog::present(const QString& headline, const QString& message)
 
 void UpdateDialog::showParts(bool checking, bool notes, bool download, const QString& closeText)
 {
+    m_checking = checking;
     m_progress->setVisible(checking);
     m_cancel->setVisible(checking);
     m_notes->setVisible(notes);
@@ -121,8 +131,7 @@ void UpdateDialog::showUpdate(const AppcastItem& update)
     const QUrl notes(update.releaseNotesLink);
     m_notes->setText(
         QStringLiteral("<a href=\"%1\">%2</a>").arg(notes.toString().toHtmlEscaped(), tr("Release Notes")));
-    showParts(false, notes.isValid() && !notes.isEmpty(),
-              m_downloadTarget.isValid() && !m_downloadTarget.isEmpty(), tr("Later"));
+    showParts(false, Appcast::isHttpsLink(notes), Appcast::isHttpsLink(m_downloadTarget), tr("Later"));
     present(tr("A new version of %1 is available!").arg(AppInfo::name()),
             tr("%1 %2 is now available — you have %3. Your package manager installs it.")
                 .arg(AppInfo::name(), update.shortVersion, AppInfo::version()));

@@ -25,7 +25,11 @@ public:
     // Where Download leads: the package itself, or the release notes when the feed names none.
     QUrl downloadUrl() const { return m_downloadTarget; }
 
+    // Esc and the window's close button come here: while checking, the check is cancelled too.
+    void reject() override;
+
 signals:
+    // The check it shows was given up by the user.
     void cancelled();
 
 private:
@@ -41,4 +45,5 @@ private:
     QPushButton* m_download = nullptr;
     QPushButton* m_close = nullptr;
     QUrl m_downloadTarget;
+    bool m_checking = false;
 };

@@ -12,6 +12,7 @@
 #include <QSysInfo>
 #include <QTimer>
 #include <QUrlQuery>
+#include <utility>
 
 namespace {
 
@@ -26,14 +27,19 @@ bool isLoopback(const QUrl& url)
     return !address.isNull() && address.isLoopback();
 }
 
-// HTTPS, or plain HTTP to this machine itself.
-QString refusal(const QUrl& url)
+// HTTPS, or plain HTTP to this machine itself when that is allowed.
+bool mayFetch(const QUrl& url, bool plainHttpToLoopback)
 {
+    if (!url.isValid() || url.host().isEmpty())
+        return false;
     if (url.scheme() == QLatin1String("https"))
-        return {};
-    if (url.scheme() == QLatin1String("http") && isLoopback(url))
-        return {};
-    return Updater::tr("the feed address %1 is not HTTPS").arg(url.toDisplayString());
+        return true;
+    return plainHttpToLoopback && url.scheme() == QLatin1String("http") && isLoopback(url);
+}
+
+QString secondsText(std::chrono::milliseconds duration)
+{
+    return QLocale().toString(double(duration.count()) / 1000.0, 'g', 4);
 }
 
 QString plainWords(QNetworkReply* reply)
@@ -120,12 +126,7 @@ UpdateDialog& Updater::showDialog()
 {
     if (!m_dialog) {
         m_dialog = new UpdateDialog;
-        connect(m_dialog, &UpdateDialog::cancelled, this, [this] {
-            if (!m_running)
-                return;
-            m_running->setProperty("cancelled", true);
-            m_running->abort();
-        });
+        connect(m_dialog, &UpdateDialog::cancelled, this, &Updater::cancel);
     }
     return *m_dialog;
 }
@@ -133,80 +134,118 @@ UpdateDialog& Updater::showDialog()
 void Updater::start(bool userInitiated)
 {
     if (m_running) {
-        m_running->setProperty("userInitiated",
-                               m_running->property("userInitiated").toBool() || userInitiated);
+        m_userInitiated = m_userInitiated || userInitiated;
         return;
     }
     const QUrl feed = feedUrl();
-    if (const QString why = refusal(feed); !why.isEmpty() || !feed.isValid()) {
+    if (!feed.isValid() || feed.host().isEmpty()) {
+        report(userInitiated, Outcome::Failed, {}, Updater::tr("the feed address is invalid"));
+        return;
+    }
+    if (!mayFetch(feed, true)) {
         report(userInitiated, Outcome::Failed, {},
-               why.isEmpty() ? Updater::tr("the feed address is invalid") : why);
+               Updater::tr("the feed address %1 is not HTTPS").arg(feed.toDisplayString()));
         return;
     }
     // Made at the first check, not at start: most of the time nobody checks.
-    if (!m_network)
+    if (!m_network) {
         m_network = new QNetworkAccessManager(this);
+        m_deadline = new QTimer(this);
+        m_deadline->setSingleShot(true);
+        connect(m_deadline, &QTimer::timeout, this, [this] {
+            conclude(
+                Outcome::Failed, {},
+                Updater::tr("the update server did not answer in time (%1 s)").arg(secondsText(m_timeout)));
+        });
+    }
+    m_userInitiated = userInitiated;
+    m_redirects = 0;
+    m_plainHttpToLoopback = feed.scheme() == QLatin1String("http");
+    // One limit for the whole check, redirects included: a server that keeps sending a byte now
+    // and then must not hold this check, and every later one, for ever.
+    m_deadline->start(m_timeout);
+    fetch(requestUrl(feed));
+}
 
-    QNetworkRequest request(requestUrl(feed));
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                         QNetworkRequest::UserVerifiedRedirectPolicy);
-    request.setTransferTimeout(int(m_timeout.count()));
+void Updater::fetch(const QUrl& url)
+{
+    QNetworkRequest request(url);
+    // Redirects are followed here, one by one, so that each target is checked before we go.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     request.setHeader(QNetworkRequest::UserAgentHeader,
                       QStringLiteral("%1/%2").arg(AppInfo::name(), AppInfo::version()));
     QNetworkReply* reply = m_network->get(request);
-    reply->setProperty("userInitiated", userInitiated);
     m_running = reply;
 
-    connect(reply, &QNetworkReply::redirected, reply, [reply](const QUrl& target) {
-        if (refusal(target).isEmpty()) {
-            emit reply->redirectAllowed();
-        } else {
-            reply->setProperty("refusal", Updater::tr("the update server sent us to %1, which is not HTTPS")
-                                              .arg(target.toDisplayString()));
-            reply->abort();
-        }
+    // A reply of an ended check may still speak; only the running one is heard.
+    auto tooLarge = [this, reply](qint64 size) {
+        if (reply == m_running && size > largestFeed)
+            conclude(Outcome::Failed, {}, Updater::tr("the update feed is larger than 1 MiB"));
+    };
+    connect(reply, &QNetworkReply::metaDataChanged, this, [reply, tooLarge] {
+        tooLarge(reply->header(QNetworkRequest::ContentLengthHeader).toLongLong());
     });
-    connect(reply, &QNetworkReply::metaDataChanged, reply, [reply] {
-        if (reply->header(QNetworkRequest::ContentLengthHeader).toLongLong() > largestFeed) {
-            reply->setProperty("refusal", Updater::tr("the update feed is larger than 1 MiB"));
-            reply->abort();
-        }
+    connect(reply, &QNetworkReply::downloadProgress, this,
+            [tooLarge](qint64 received, qint64) { tooLarge(received); });
+    connect(reply, &QNetworkReply::finished, this, [this, reply] {
+        reply->deleteLater();
+        if (reply == m_running)
+            finish(reply);
     });
-    connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received, qint64) {
-        if (received > largestFeed) {
-            reply->setProperty("refusal", Updater::tr("the update feed is larger than 1 MiB"));
-            reply->abort();
-        }
-    });
-    connect(reply, &QNetworkReply::finished, this,
-            [this, reply] { finish(reply, reply->property("userInitiated").toBool()); });
 }
 
-void Updater::finish(QNetworkReply* reply, bool userInitiated)
+void Updater::cancel()
 {
-    reply->deleteLater();
-    m_running = nullptr;
-    if (reply->property("cancelled").toBool()) {
-        emit checked(Outcome::Failed, {}, Updater::tr("the check was cancelled"));
+    if (!m_running)
         return;
+    QNetworkReply* reply = std::exchange(m_running, nullptr);
+    m_deadline->stop();
+    reply->abort();
+    emit checked(Outcome::Failed, {}, Updater::tr("the check was cancelled"));
+}
+
+void Updater::conclude(Outcome outcome, const AppcastItem& update, const QString& error)
+{
+    if (QNetworkReply* reply = std::exchange(m_running, nullptr)) {
+        reply->abort(); // no-op when it has finished
+        reply->deleteLater();
     }
-    const QString refused = reply->property("refusal").toString();
-    if (!refused.isEmpty()) {
-        report(userInitiated, Outcome::Failed, {}, refused);
+    m_deadline->stop();
+    report(m_userInitiated, outcome, update, error);
+}
+
+void Updater::finish(QNetworkReply* reply)
+{
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const QUrl target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+    if (status >= 300 && status < 400 && !target.isEmpty()) {
+        if (++m_redirects > mostRedirects) {
+            conclude(
+                Outcome::Failed, {},
+                Updater::tr("the update server sent too many redirects (more than %1)").arg(mostRedirects));
+            return;
+        }
+        const QUrl next = reply->url().resolved(target);
+        if (!mayFetch(next, m_plainHttpToLoopback)) {
+            conclude(Outcome::Failed, {},
+                     Updater::tr("the update server sent us to %1, which is not HTTPS")
+                         .arg(next.toDisplayString()));
+            return;
+        }
+        fetch(next);
         return;
     }
     if (reply->error() != QNetworkReply::NoError) {
-        report(userInitiated, Outcome::Failed, {}, plainWords(reply));
+        conclude(Outcome::Failed, {}, plainWords(reply));
         return;
     }
     const Appcast::Result feed = Appcast::parse(reply->read(largestFeed + 1));
     if (!feed.error.isEmpty()) {
-        report(userInitiated, Outcome::Failed, {}, feed.error);
+        conclude(Outcome::Failed, {}, feed.error);
         return;
     }
     const auto update = Appcast::newestUpdate(feed.items, AppInfo::version(), AppInfo::osVersion());
-    report(userInitiated, update ? Outcome::UpdateAvailable : Outcome::UpToDate,
-           update.value_or(AppcastItem{}), {});
+    conclude(update ? Outcome::UpdateAvailable : Outcome::UpToDate, update.value_or(AppcastItem{}), {});
 }
 
 void Updater::report(bool userInitiated, Outcome outcome, const AppcastItem& update, const QString& error)

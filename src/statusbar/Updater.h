@@ -13,8 +13,9 @@ class UpdateDialog;
 
 // Checks the update feed for a newer Lulltide: by itself every twelve hours when that was on at
 // launch, and when the user asks. It tells of a newer version and links to it; installing stays
-// with the package manager. Only HTTPS is spoken (plain HTTP to this machine itself, for tests),
-// redirects away from HTTPS are refused, and a feed over 1 MiB or slower than 30 s is given up.
+// with the package manager. Only HTTPS is spoken (plain HTTP only when the feed itself is plain
+// HTTP on this machine, for tests); redirects are followed by hand, at most five, each one
+// checked; a feed over 1 MiB, or a check not done 30 s after it began, is given up.
 class Updater : public QObject {
     Q_OBJECT
 
@@ -39,7 +40,8 @@ public:
     // A check of its own: silent unless there is a newer version not shown before.
     void checkInBackground();
 
-    // For tests: how long a check may take, and how soon after start the first one runs.
+    // For tests: how long a whole check may take, from the request to the verdict, and how soon
+    // after start the first one runs.
     void setTimeout(std::chrono::milliseconds timeout) { m_timeout = timeout; }
     std::chrono::milliseconds timeout() const { return m_timeout; }
     static void setFirstCheckDelay(std::chrono::milliseconds delay);
@@ -51,15 +53,27 @@ signals:
     void checked(Updater::Outcome outcome, const AppcastItem& update, const QString& error);
 
 private:
+    static constexpr int mostRedirects = 5;
+
     void start(bool userInitiated);
-    void finish(QNetworkReply* reply, bool userInitiated);
+    void fetch(const QUrl& url);
+    void finish(QNetworkReply* reply);
+    // Ends the running check: its reply is let go and the verdict reported.
+    void conclude(Outcome outcome, const AppcastItem& update, const QString& error);
+    void cancel();
     void report(bool userInitiated, Outcome outcome, const AppcastItem& update, const QString& error);
     UpdateDialog& showDialog();
 
     bool m_automatic = false;
     std::chrono::milliseconds m_timeout = std::chrono::seconds(30);
     QNetworkAccessManager* m_network = nullptr;
+    // The running check: its current request, whether the user asked for it, how many redirects
+    // it followed, and whether plain HTTP to this machine is allowed (the feed itself is such).
     QNetworkReply* m_running = nullptr;
+    bool m_userInitiated = false;
+    int m_redirects = 0;
+    bool m_plainHttpToLoopback = false;
+    QTimer* m_deadline = nullptr;
     QTimer* m_schedule = nullptr;
     UpdateDialog* m_dialog = nullptr;
     QStringList m_versionsShown;
