@@ -15,6 +15,7 @@
 #include <QIcon>
 #include <QImage>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -26,6 +27,30 @@ class AppTest : public QObject {
     static QString settingsPath(const QString& home) { return home + "/.config/lulltide/lulltide.conf"; }
 
     static QString logOf(const QString& home) { return TestSupport::logTextIn(home); }
+
+    struct Rendered {
+        int exitCode = -1;
+        QString text;
+        QString warnings;
+    };
+
+    // The manual page as man shows it on an 80-column terminal, with groff's warnings.
+    static Rendered manPage(const QString& file)
+    {
+        QProcess man;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LC_ALL", "C");
+        environment.insert("MANWIDTH", "80");
+        environment.remove("MANPAGER");
+        environment.remove("PAGER");
+        man.setProcessEnvironment(environment);
+        man.start("man", {"--warnings", "-l", file});
+        if (!man.waitForFinished(30000))
+            return {};
+        return {man.exitStatus() == QProcess::NormalExit ? man.exitCode() : -1,
+                QString::fromUtf8(man.readAllStandardOutput()),
+                QString::fromUtf8(man.readAllStandardError())};
+    }
 
     // Starts the real program in `home`, lets it run a moment, checks it is still running and
     // ends it the way a session logout does.
@@ -118,6 +143,69 @@ private slots:
                        {"validate", "--no-net", share + "metainfo/org.lulltide.Lulltide.metainfo.xml"});
         QVERIFY(validate.waitForFinished(30000));
         QVERIFY2(validate.exitCode() == 0, validate.readAllStandardOutput().constData());
+    }
+
+    void installPutsTheManualPageInPlace()
+    {
+        QTemporaryDir prefix;
+        QProcess install;
+        install.start("cmake", {"--install", BUILD_DIR, "--prefix", prefix.path()});
+        QVERIFY(install.waitForFinished(60000));
+        QCOMPARE(install.exitCode(), 0);
+        const QString page = prefix.path() + "/share/man/man1/lulltide.1";
+        QVERIFY2(QFile::exists(page), qPrintable(page));
+        QCOMPARE(manPage(page).exitCode, 0);
+    }
+
+    void manualPageRendersWithoutWarnings()
+    {
+        const Rendered rendered = manPage(BUILD_DIR "/docs/lulltide.1");
+        QCOMPARE(rendered.exitCode, 0);
+        QCOMPARE(rendered.warnings, "");
+        for (const char* section : {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "EXIT STATUS",
+                                    "ENVIRONMENT", "FILES", "D-BUS INTERFACE", "EXAMPLES"})
+            QVERIFY2(rendered.text.contains(QStringLiteral("\n%1\n").arg(section)), section);
+    }
+
+    void manualPageDescribesEveryOptionOfHelpAndEveryExitStatus()
+    {
+        QProcess help;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LC_ALL", "C.UTF-8");
+        environment.remove("LANGUAGE");
+        help.setProcessEnvironment(environment);
+        help.start(LULLTIDE_BINARY, {"--help"});
+        QVERIFY(help.waitForFinished(10000));
+        QCOMPARE(help.exitCode(), 0);
+        const QString helpText = QString::fromUtf8(help.readAllStandardOutput());
+        QStringList options;
+        QStringList statuses;
+        static const QRegularExpression optionLine("^  (-\\w, )?(--[\\w-]+)");
+        static const QRegularExpression statusLine("^  (\\d)  ");
+        for (const QString& line : helpText.split('\n')) {
+            if (const auto match = optionLine.match(line); match.hasMatch()) {
+                if (match.hasCaptured(1))
+                    options << match.captured(1).chopped(2);
+                options << match.captured(2);
+            }
+            if (const auto match = statusLine.match(line); match.hasMatch())
+                statuses << match.captured(1);
+        }
+        QVERIFY2(options.size() >= 10, qPrintable(helpText));
+        QCOMPARE(statuses, QStringList({"0", "1", "2"}));
+
+        const Rendered rendered = manPage(BUILD_DIR "/docs/lulltide.1");
+        const QString optionsSection =
+            rendered.text.section("\nOPTIONS\n", 1).section("\nEXIT STATUS\n", 0, 0);
+        for (const QString& option : options) {
+            const QRegularExpression named("(^|[\\s,])" + QRegularExpression::escape(option) + "($|[\\s,])");
+            QVERIFY2(named.match(optionsSection).hasMatch(), qPrintable(option));
+        }
+        const QString exitStatus =
+            rendered.text.section("\nEXIT STATUS\n", 1).section("\nENVIRONMENT\n", 0, 0);
+        for (const QString& status : statuses)
+            QVERIFY2(QRegularExpression("\\n +" + status + "\\s").match("\n" + exitStatus).hasMatch(),
+                     qPrintable(status));
     }
 
     void applicationIconIsBuiltIn()

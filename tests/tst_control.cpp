@@ -14,6 +14,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 // Control from scripts: the real program on this test's own session bus, driven by the command
@@ -47,14 +48,38 @@ class ControlTest : public QObject {
         static QTemporaryDir clientHome;
         QProcess process;
         process.setProcessEnvironment(env.isEmpty() ? environment(clientHome.path()) : env);
+        QSignalSpy finished(&process, &QProcess::finished);
         process.start(LULLTIDE_BINARY, arguments);
-        process.waitForFinished(15000);
+        // The event loop runs meanwhile, so a name this test holds can answer the client.
+        if (process.state() != QProcess::NotRunning)
+            finished.wait(15000);
         return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
                 QString::fromUtf8(process.readAllStandardOutput()),
                 QString::fromUtf8(process.readAllStandardError())};
     }
 
     static QString status() { return lulltide({"--status"}).out.trimmed(); }
+
+    // The environment of a shell over ssh or of a cron job: a session bus, no display.
+    static QProcessEnvironment withoutDisplay(QProcessEnvironment environment)
+    {
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "XDG_SESSION_TYPE"})
+            environment.remove(name);
+        return environment;
+    }
+
+    static QProcessEnvironment clientWithoutDisplay()
+    {
+        static QTemporaryDir clientHome;
+        return withoutDisplay(environment(clientHome.path()));
+    }
+
+    // The settings window of the program, once it shows.
+    static bool showsTheSettingsWindow(const Instance& instance)
+    {
+        const QStringList windows = visibleWindows(instance);
+        return windows.size() == 1 && windowName(windows.first()) == "Settings";
+    }
 
     static bool serviceOwned()
     {
@@ -129,8 +154,7 @@ private slots:
     void withNoInstanceEveryControlCommandSaysNotRunningAndExits1_data()
     {
         QTest::addColumn<QString>("option");
-        for (const char* option :
-             {"--pause", "--resume", "--toggle-pause", "--skip", "--settings", "--status", "--quit"})
+        for (const char* option : {"--pause", "--resume", "--toggle-pause", "--skip", "--status", "--quit"})
             QTest::newRow(option) << QString(option);
     }
 
@@ -138,7 +162,7 @@ private slots:
     {
         QFETCH(QString, option);
         QTemporaryDir home;
-        const Ran ran = lulltide({option}, environment(home.path()));
+        const Ran ran = lulltide({option}, withoutDisplay(environment(home.path())));
         QCOMPARE(ran.exitCode, 1);
         QCOMPARE(ran.err, "Lulltide is not running.\n");
         QCOMPARE(ran.out, "");
@@ -158,35 +182,88 @@ private slots:
         QCOMPARE(ran.err, "Lulltide is not running: there is no D-Bus session bus to reach it.\n");
     }
 
-    void helpListsEveryControlOption()
+    void helpListsEveryControlOptionAndTheExitStatusWithoutADisplay()
     {
-        const Ran ran = lulltide({"--help"});
+        const Ran ran = lulltide({"--help"}, clientWithoutDisplay());
         QCOMPARE(ran.exitCode, 0);
+        QCOMPARE(ran.err, "");
         for (const char* option : {"--pause", "--resume", "--toggle-pause", "--skip", "--settings",
-                                   "--status", "--quit", "--version"})
+                                   "--status", "--quit", "--version", "--help"})
             QVERIFY2(ran.out.contains(option), option);
+        QVERIFY2(ran.out.contains("Exit status:\n"), qPrintable(ran.out));
+        QVERIFY2(QRegularExpression("\n +2 +").match(ran.out).hasMatch(), qPrintable(ran.out));
     }
 
-    void versionPrintsNameAndVersion()
+    void versionPrintsNameAndVersionWithoutADisplay()
     {
-        const Ran ran = lulltide({"--version"});
+        const Ran ran = lulltide({"--version"}, clientWithoutDisplay());
         QCOMPARE(ran.exitCode, 0);
         QCOMPARE(ran.out, "Lulltide 1.0.0\n");
     }
 
-    void twoCommandsAtOnceAreRefused()
+    void twoCommandsAtOnceAreAUsageError()
     {
-        const Ran ran = lulltide({"--pause", "--quit"});
-        QCOMPARE(ran.exitCode, 1);
-        QCOMPARE(ran.err, "Give one option at a time: --pause and --quit were both given.\n");
+        const Ran ran = lulltide({"--pause", "--quit"}, clientWithoutDisplay());
+        QCOMPARE(ran.exitCode, 2);
+        QCOMPARE(ran.err, "Give one option at a time: --pause and --quit were both given.\n"
+                          "Try 'lulltide --help'.\n");
     }
 
-    void anUnknownOptionIsRefusedWithoutStarting()
+    void usageErrorsSayWhatIsWrongInOneLineAndExit2WithoutADisplay_data()
     {
-        const Ran ran = lulltide({"--bogus"});
-        QCOMPARE(ran.exitCode, 1);
-        QVERIFY2(ran.err.contains("Unknown option 'bogus'."), qPrintable(ran.err));
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("firstLine");
+        QTest::newRow("--bogus") << QStringList{"--bogus"} << "Unknown option 'bogus'.";
+        QTest::newRow("--Pause") << QStringList{"--Pause"} << "Unknown option 'Pause'.";
+        QTest::newRow("-x") << QStringList{"-x"} << "Unknown option 'x'.";
+        QTest::newRow("foo") << QStringList{"foo"} << "Unexpected argument 'foo'.";
+        QTest::newRow("--status=1") << QStringList{"--status=1"} << "Unexpected value after '--status'.";
+        QTest::newRow("--pause extra") << QStringList{"--pause", "extra"} << "Unexpected argument 'extra'.";
+    }
+
+    void usageErrorsSayWhatIsWrongInOneLineAndExit2WithoutADisplay()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, firstLine);
+        QTemporaryDir home;
+        const Ran ran = lulltide(arguments, withoutDisplay(environment(home.path())));
+        QCOMPARE(ran.err, firstLine + "\nTry 'lulltide --help'.\n");
+        QCOMPARE(ran.exitCode, 2);
+        QCOMPARE(ran.out, "");
+        // Nothing was started.
         QVERIFY(!serviceOwned());
+        QVERIFY(!QFile::exists(home.path() + "/.cache/Logs"));
+    }
+
+    void usageErrorsNeverReachTheRunningInstance()
+    {
+        Instance instance;
+        start(instance);
+        const Ran ran = lulltide({"--pause", "extra"}, clientWithoutDisplay());
+        QCOMPARE(ran.exitCode, 2);
+        QVERIFY(status().startsWith("working "));
+    }
+
+    void clientCommandsWithoutADisplayReachTheRunningInstance()
+    {
+        Instance instance;
+        start(instance);
+        const QProcessEnvironment noDisplay = clientWithoutDisplay();
+        QCOMPARE(lulltide({"--status"}, noDisplay).out.left(8), "working ");
+        QCOMPARE(lulltide({"--pause"}, noDisplay).exitCode, 0);
+        QCOMPARE(lulltide({"--status"}, noDisplay).out, "paused\n");
+        QCOMPARE(lulltide({"--toggle-pause"}, noDisplay).exitCode, 0);
+        QCOMPARE(property("ManualPause").toBool(), false);
+        QCOMPARE(lulltide({"--toggle-pause"}, noDisplay).exitCode, 0);
+        QCOMPARE(property("ManualPause").toBool(), true);
+        QCOMPARE(lulltide({"--resume"}, noDisplay).exitCode, 0);
+        QCOMPARE(property("ManualPause").toBool(), false);
+        QCOMPARE(lulltide({"--skip"}, noDisplay).exitCode, 0); // no break up: nothing to do
+        QCOMPARE(lulltide({"--settings"}, noDisplay).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(showsTheSettingsWindow(instance), 10000);
+        QCOMPARE(lulltide({"--quit"}, noDisplay).exitCode, 0);
+        QVERIFY(instance.process.waitForFinished(5000));
+        QCOMPARE(instance.process.exitCode(), 0);
     }
 
     void statusPrintsWorkingAndTheCountdown()
@@ -199,22 +276,91 @@ private slots:
                  qPrintable(ran.out));
     }
 
-    void secondBareLaunchSaysAlreadyRunningAndExitsAtOnce()
+    void secondBareLaunchOpensTheRunningInstancesSettingsWindow()
     {
         Instance instance;
         start(instance);
         QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
+        QVERIFY(visibleWindows(instance).isEmpty());
         QElapsedTimer took;
         took.start();
         const Ran ran = lulltide({}, environment(instance.home.path()));
         QCOMPARE(ran.exitCode, 0);
         QCOMPARE(ran.out, "Lulltide is already running.\n");
         QVERIFY2(took.elapsed() < 5000, qPrintable(QString::number(took.elapsed())));
-        // The first one runs on, alone: one start in the shared log, no second work period.
+        // The first one shows its settings window and runs on, alone: one start in the shared
+        // log, no second work period.
+        QTRY_VERIFY_WITH_TIMEOUT(showsTheSettingsWindow(instance), 10000);
         QCOMPARE(instance.process.state(), QProcess::Running);
         QCOMPARE(instance.log().count("hello Lulltide"), 1);
         QCOMPARE(instance.log().count("ticktack timer start 1500.0"), 1);
-        QVERIFY(visibleWindows(instance).isEmpty());
+    }
+
+    void secondBareLaunchWithoutADisplaySaysAlreadyRunning()
+    {
+        Instance instance;
+        start(instance);
+        const Ran ran = lulltide({}, withoutDisplay(environment(instance.home.path())));
+        QCOMPARE(ran.err, "");
+        QCOMPARE(ran.exitCode, 0);
+        QCOMPARE(ran.out, "Lulltide is already running.\n");
+        QTRY_VERIFY_WITH_TIMEOUT(showsTheSettingsWindow(instance), 10000);
+    }
+
+    void settingsWithNoInstanceStartsLulltideWithItsSettingsWindow()
+    {
+        Instance instance;
+        QDir().mkpath(instance.home.path() + "/.config/lulltide");
+        QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nauto_check_update=false\n");
+        conf.close();
+        instance.process.setProcessEnvironment(environment(instance.home.path()));
+        instance.process.start(LULLTIDE_BINARY, {"--settings"});
+        QVERIFY(instance.process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(serviceOwned(), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(showsTheSettingsWindow(instance), 10000);
+        // It is Lulltide itself, counting, not a client that gave up.
+        QCOMPARE(instance.process.state(), QProcess::Running);
+        QVERIFY(status().startsWith("working "));
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("ticktack timer start 1500.0"), 10000);
+    }
+
+    void settingsWithNoInstanceAndNoDisplaySaysWhyAndExits1()
+    {
+        QTemporaryDir home;
+        const Ran ran = lulltide({"--settings"}, withoutDisplay(environment(home.path())));
+        QCOMPARE(ran.exitCode, 1);
+        QCOMPARE(ran.err, "Lulltide is not running, and there is no display to start it on.\n");
+        QVERIFY(!serviceOwned());
+    }
+
+    void anotherProgramHoldingTheNameMakesStartAndCommandsFail()
+    {
+        // A program of another maker that took our name: it has no Lulltide object.
+        QDBusConnection other = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "impostor");
+        QVERIFY(other.registerService(service));
+        const QString message = "another program holds the name org.lulltide.Lulltide";
+        {
+            Instance instance;
+            instance.process.setProcessEnvironment(environment(instance.home.path()));
+            QSignalSpy finished(&instance.process, &QProcess::finished);
+            instance.process.start(LULLTIDE_BINARY, {});
+            QVERIFY(finished.wait(15000));
+            const QString err = QString::fromUtf8(instance.process.readAllStandardError());
+            QVERIFY2(err.contains(message), qPrintable(err));
+            QCOMPARE(QString::fromUtf8(instance.process.readAllStandardOutput()), "");
+            QCOMPARE(instance.process.exitCode(), 1);
+        }
+        for (const char* option : {"--status", "--pause", "--settings"}) {
+            const Ran ran = lulltide({option}, clientWithoutDisplay());
+            QVERIFY2(ran.err.contains(message), qPrintable(option + (": " + ran.err)));
+            QCOMPARE(ran.exitCode, 1);
+            QCOMPARE(ran.out, "");
+        }
+        QVERIFY(other.unregisterService(service));
+        QDBusConnection::disconnectFromBus("impostor");
+        QTRY_VERIFY(!serviceOwned());
     }
 
     void twoLaunchesAtOnceLeaveExactlyOneInstance()
@@ -323,17 +469,23 @@ private slots:
         QCOMPARE(instance.log().count("skip break view"), 1);
     }
 
-    void skipDuringAForcedLongBreakDoesNothing()
+    void skipDuringAForcedLongBreakSaysItCannotBeSkippedAndExits1()
     {
         Instance instance;
         // Every break is long (one in a rotation of one), and long breaks are forced.
         start(instance, "work_time=0.05\nshort_break_times=1\nlong_break_time=3\nforce_long_break=true\n");
         QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 10000);
-        QCOMPARE(lulltide({"--skip"}).exitCode, 0);
-        QTest::qWait(500);
+        const Ran ran = lulltide({"--skip"}, clientWithoutDisplay());
+        QCOMPARE(ran.err, "This break cannot be skipped: long breaks are forced.\n");
+        QCOMPARE(ran.exitCode, 1);
         QVERIFY(status().startsWith("break "));
         QVERIFY(!visibleWindows(instance).isEmpty());
         QVERIFY(!instance.log().contains("skip break view"));
+        // Over the bus the refusal has a name of its own, for scripts in any language.
+        QDBusMessage call = QDBusMessage::createMethodCall(service, path, "org.lulltide.Lulltide", "Skip");
+        const QDBusMessage reply = QDBusConnection::sessionBus().call(call);
+        QCOMPARE(reply.type(), QDBusMessage::ErrorMessage);
+        QCOMPARE(reply.errorName(), "org.lulltide.Lulltide.Error.CannotSkip");
     }
 
     void settingsOpensTheSettingsWindow()

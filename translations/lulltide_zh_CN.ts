@@ -127,10 +127,6 @@
         <translation>一次只能给一个选项：同时给了 --%1 和 --%2。</translation>
     </message>
     <message>
-        <source>Nothing to do: see --help.</source>
-        <translation>没有要做的事：请看 --help。</translation>
-    </message>
-    <message>
         <source>Lulltide is not running: there is no D-Bus session bus to reach it.</source>
         <translation>Lulltide 没有运行：没有可用的 D-Bus 会话总线。</translation>
     </message>
@@ -139,8 +135,44 @@
         <translation>Lulltide 没有运行。</translation>
     </message>
     <message>
-        <source>Unknown argument: %1</source>
-        <translation>未知参数：%1</translation>
+        <source>Try &apos;lulltide --help&apos;.</source>
+        <translation>请运行“lulltide --help”查看用法。</translation>
+    </message>
+    <message>
+        <source>Exit status:</source>
+        <translation>退出状态：</translation>
+    </message>
+    <message>
+        <source>done</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>Lulltide is not running or cannot be reached, or refused the request</source>
+        <translation>Lulltide 没有运行或无法联系，或者拒绝了请求</translation>
+    </message>
+    <message>
+        <source>usage error: an unknown option, a stray argument or two options at once</source>
+        <translation>用法错误：未知的选项、多余的参数，或同时给了两个选项</translation>
+    </message>
+    <message>
+        <source>Lulltide is not running, and there is no display to start it on.</source>
+        <translation>Lulltide 没有运行，也没有可以启动它的显示环境。</translation>
+    </message>
+    <message>
+        <source>This break cannot be skipped: long breaks are forced.</source>
+        <translation>这次休息不能跳过：长休息是强制的。</translation>
+    </message>
+    <message>
+        <source>Lulltide cannot start: another program holds the name %1 on the session bus.</source>
+        <translation>Lulltide 无法启动：另一个程序占用了会话总线上的名称 %1。</translation>
+    </message>
+    <message>
+        <source>Lulltide cannot be reached: another program holds the name %1 on the session bus.</source>
+        <translation>无法联系 Lulltide：另一个程序占用了会话总线上的名称 %1。</translation>
+    </message>
+    <message>
+        <source>Unexpected argument &apos;%1&apos;.</source>
+        <translation>多余的参数“%1”。</translation>
     </message>
 </context>
 <context>

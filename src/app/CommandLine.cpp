@@ -5,13 +5,12 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusReply>
 #include <QDBusVariant>
 
 #include <cstdio>
-#include <cstring>
 
 namespace CommandLine {
 namespace {
@@ -36,6 +35,12 @@ const Command commands[] = {
     {"quit", "Quit", QT_TRANSLATE_NOOP("CommandLine", "Quit Lulltide.")},
 };
 
+const Command& settingsCommand = commands[4];
+
+// The command line's own connection: main() may go on to make the QApplication, whose
+// default session bus must start afresh.
+const QString connectionName = QStringLiteral("lulltide-command-line");
+
 QString tr(const char* text)
 {
     return QCoreApplication::translate("CommandLine", text);
@@ -47,15 +52,44 @@ void printLine(FILE* stream, const QString& text)
     std::fflush(stream);
 }
 
-void addOptions(QCommandLineParser& parser)
+Outcome finished(int exitCode)
 {
-    parser.setApplicationDescription(
-        tr("Reminds you to take breaks from the screen. Without options it starts "
-           "Lulltide; the options control the running Lulltide."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    for (const Command& command : commands)
-        parser.addOption(QCommandLineOption(QString::fromLatin1(command.option), tr(command.description)));
+    return {exitCode, false};
+}
+
+Outcome usageError(const QString& what)
+{
+    printLine(stderr, what);
+    printLine(stderr, tr("Try 'lulltide --help'."));
+    return finished(UsageError);
+}
+
+QString helpText(const QCommandLineParser& parser)
+{
+    return parser.helpText() + u'\n' + tr("Exit status:") + u'\n' +
+           QStringLiteral("  0  %1\n  1  %2\n  2  %3\n")
+               .arg(tr("done"), tr("Lulltide is not running or cannot be reached, or refused the request"),
+                    tr("usage error: an unknown option, a stray argument or two options at once"));
+}
+
+// Qt takes X11 or Wayland from these; a platform named outright (offscreen, vnc) needs neither.
+bool displayAvailable()
+{
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        if (!qEnvironmentVariableIsEmpty(name))
+            return true;
+    }
+    return qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland");
+}
+
+// This process is to run Lulltide: only now may a GUI object be made.
+Outcome launch(bool showSettings)
+{
+    if (!displayAvailable()) {
+        printLine(stderr, tr("Lulltide is not running, and there is no display to start it on."));
+        return finished(Failed);
+    }
+    return {std::nullopt, showSettings};
 }
 
 QDBusMessage call(const QDBusConnection& bus, const QString& interface, const QString& method,
@@ -67,101 +101,172 @@ QDBusMessage call(const QDBusConnection& bus, const QString& interface, const QS
     return bus.call(message, QDBus::Block, 10000);
 }
 
-int printStatus(const QDBusConnection& bus)
+bool isSilence(const QDBusMessage& reply)
+{
+    static const QStringList silence{QStringLiteral("org.freedesktop.DBus.Error.NoReply"),
+                                     QStringLiteral("org.freedesktop.DBus.Error.Timeout"),
+                                     QStringLiteral("org.freedesktop.DBus.Error.TimedOut"),
+                                     QStringLiteral("org.freedesktop.DBus.Error.Disconnected")};
+    return silence.contains(reply.errorName());
+}
+
+bool isGone(const QDBusMessage& reply)
+{
+    return reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown") ||
+           reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
+}
+
+// Whoever holds the name, asked for Lulltide's state.
+struct Holder {
+    enum Kind { Lulltide, Silent, Gone, Other } kind = Other;
+    QVariantMap state;
+    QString error;
+};
+
+Holder askHolder(const QDBusConnection& bus)
 {
     const QDBusMessage reply = call(bus, QStringLiteral("org.freedesktop.DBus.Properties"),
                                     QStringLiteral("GetAll"), {ControlService::interfaceName});
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
-        printLine(stderr, tr("Lulltide did not answer: %1").arg(reply.errorMessage()));
-        return 1;
+    if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty()) {
+        const QVariantMap state = qdbus_cast<QVariantMap>(reply.arguments().constFirst());
+        if (state.contains(QStringLiteral("Working")))
+            return {Holder::Lulltide, state, {}};
+        return {Holder::Other, {}, {}};
     }
-    const QVariantMap properties = qdbus_cast<QVariantMap>(reply.arguments().constFirst());
-    AppControl::Status status;
-    status.working = properties.value(QStringLiteral("Working")).toBool();
-    status.manualPause = properties.value(QStringLiteral("ManualPause")).toBool();
-    status.inBreak = properties.value(QStringLiteral("InBreak")).toBool();
-    status.workTimeString = properties.value(QStringLiteral("WorkTimeString")).toString();
-    status.breakTimeString = properties.value(QStringLiteral("BreakTimeString")).toString();
-    printLine(stdout, AppControl::statusLine(status));
-    return 0;
+    if (isSilence(reply))
+        return {Holder::Silent, {}, reply.errorMessage()};
+    if (isGone(reply))
+        return {Holder::Gone, {}, {}};
+    // An answer, but not ours: no Lulltide object behind the name.
+    return {Holder::Other, {}, reply.errorMessage()};
 }
+
+int printStatus(const QVariantMap& state)
+{
+    AppControl::Status status;
+    status.working = state.value(QStringLiteral("Working")).toBool();
+    status.manualPause = state.value(QStringLiteral("ManualPause")).toBool();
+    status.inBreak = state.value(QStringLiteral("InBreak")).toBool();
+    status.workTimeString = state.value(QStringLiteral("WorkTimeString")).toString();
+    status.breakTimeString = state.value(QStringLiteral("BreakTimeString")).toString();
+    printLine(stdout, AppControl::statusLine(status));
+    return Done;
+}
+
+int send(const QDBusConnection& bus, const Command& command)
+{
+    const QDBusMessage reply = call(bus, ControlService::interfaceName, QString::fromLatin1(command.method));
+    if (reply.type() == QDBusMessage::ReplyMessage)
+        return Done;
+    if (reply.errorName() == ControlService::cannotSkipError)
+        printLine(stderr, tr("This break cannot be skipped: long breaks are forced."));
+    else
+        printLine(stderr, tr("Lulltide did not answer: %1").arg(reply.errorMessage()));
+    return Failed;
+}
+
+// Hands `command` to whoever holds the name; a null command is a plain launch, which asks
+// the running Lulltide to show its settings, as single-instance desktop programs do.
+int talkToHolder(const QDBusConnection& bus, const Command* command)
+{
+    const bool launching = !command || command == &settingsCommand;
+    const Holder holder = askHolder(bus);
+    switch (holder.kind) {
+    case Holder::Lulltide:
+        break;
+    case Holder::Silent:
+        printLine(stderr, tr("Lulltide did not answer: %1").arg(holder.error));
+        return Failed;
+    case Holder::Gone:
+        printLine(stderr, tr("Lulltide is not running."));
+        return Failed;
+    case Holder::Other:
+        printLine(stderr, (launching ? tr("Lulltide cannot start: another program holds the name %1 "
+                                          "on the session bus.")
+                                     : tr("Lulltide cannot be reached: another program holds the name %1 "
+                                          "on the session bus."))
+                              .arg(ControlService::serviceName));
+        return Failed;
+    }
+    if (!command) {
+        printLine(stdout, tr("Lulltide is already running."));
+        return send(bus, settingsCommand);
+    }
+    if (!command->method)
+        return printStatus(holder.state);
+    return send(bus, *command);
+}
+
+// The command line's connection, let go when the reading is over.
+struct ClientBus {
+    QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
+    ~ClientBus() { QDBusConnection::disconnectFromBus(connectionName); }
+};
 
 } // namespace
 
-bool isClientRequest(int argc, char* argv[])
-{
-    for (int i = 1; i < argc; ++i) {
-        const char* argument = argv[i];
-        for (const char* name : {"-h", "--help", "--help-all", "-v", "--version"}) {
-            if (std::strcmp(argument, name) == 0)
-                return true;
-        }
-        for (const Command& command : commands) {
-            if (argument[0] == '-' && argument[1] == '-' && std::strcmp(argument + 2, command.option) == 0)
-                return true;
-        }
-    }
-    return false;
-}
-
-int runClient()
+Outcome read()
 {
     QCommandLineParser parser;
-    addOptions(parser);
-    parser.process(QCoreApplication::arguments());
+    parser.setApplicationDescription(
+        tr("Reminds you to take breaks from the screen. Without options it starts "
+           "Lulltide; the options control the running Lulltide."));
+    // Qt's own help option would offer --help-all for Qt's options of a GUI application,
+    // which this command line does not take.
+    const QCommandLineOption help(
+        {QStringLiteral("h"), QStringLiteral("help")},
+        QCoreApplication::translate("QCommandLineParser", "Displays help on commandline options."));
+    parser.addOption(help);
+    const QCommandLineOption version = parser.addVersionOption();
+    for (const Command& command : commands)
+        parser.addOption(QCommandLineOption(QString::fromLatin1(command.option), tr(command.description)));
+
+    if (!parser.parse(QCoreApplication::arguments()))
+        return usageError(parser.errorText());
+    if (parser.isSet(help)) {
+        std::fputs(qPrintable(helpText(parser)), stdout);
+        return finished(Done);
+    }
+    if (parser.isSet(version)) {
+        printLine(stdout,
+                  QCoreApplication::applicationName() + u' ' + QCoreApplication::applicationVersion());
+        return finished(Done);
+    }
+    if (!parser.positionalArguments().isEmpty())
+        return usageError(tr("Unexpected argument '%1'.").arg(parser.positionalArguments().constFirst()));
 
     const Command* requested = nullptr;
     for (const Command& command : commands) {
         if (!parser.isSet(QString::fromLatin1(command.option)))
             continue;
-        if (requested) {
-            printLine(stderr,
-                      tr("Give one option at a time: --%1 and --%2 were both given.")
-                          .arg(QString::fromLatin1(requested->option), QString::fromLatin1(command.option)));
-            return 1;
-        }
+        if (requested)
+            return usageError(
+                tr("Give one option at a time: --%1 and --%2 were both given.")
+                    .arg(QString::fromLatin1(requested->option), QString::fromLatin1(command.option)));
         requested = &command;
     }
-    if (!requested) {
-        printLine(stderr, tr("Nothing to do: see --help."));
-        return 1;
-    }
+    const bool launching = !requested || requested == &settingsCommand;
 
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
+    const ClientBus client;
+    if (!client.bus.isConnected()) {
+        // Without a bus nobody can be asked: a launch runs alone (and says so in its log).
+        if (launching)
+            return launch(requested != nullptr);
         printLine(stderr, tr("Lulltide is not running: there is no D-Bus session bus to reach it."));
-        return 1;
+        return finished(Failed);
     }
-    if (!bus.interface()->isServiceRegistered(ControlService::serviceName)) {
+    if (!client.bus.interface()->isServiceRegistered(ControlService::serviceName)) {
+        if (launching)
+            return launch(requested != nullptr);
         printLine(stderr, tr("Lulltide is not running."));
-        return 1;
+        return finished(Failed);
     }
-    if (!requested->method)
-        return printStatus(bus);
-
-    const QDBusMessage reply =
-        call(bus, ControlService::interfaceName, QString::fromLatin1(requested->method));
-    if (reply.type() != QDBusMessage::ReplyMessage) {
-        printLine(stderr, tr("Lulltide did not answer: %1").arg(reply.errorMessage()));
-        return 1;
-    }
-    return 0;
+    return finished(talkToHolder(client.bus, requested));
 }
 
-void checkLaunchArguments()
+int handOver(const QDBusConnection& bus, bool showSettings)
 {
-    QCommandLineParser parser;
-    addOptions(parser);
-    parser.process(QCoreApplication::arguments());
-    if (!parser.positionalArguments().isEmpty()) {
-        printLine(stderr, tr("Unknown argument: %1").arg(parser.positionalArguments().constFirst()));
-        std::exit(1);
-    }
-}
-
-void sayAlreadyRunning()
-{
-    printLine(stdout, tr("Lulltide is already running."));
+    return talkToHolder(bus, showSettings ? &settingsCommand : nullptr);
 }
 
 } // namespace CommandLine

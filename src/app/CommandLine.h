@@ -1,23 +1,32 @@
 #pragma once
 
-// The program's command line. Options other than --help and --version are requests for the
-// running instance: the program then acts as a small client of its bus object and never opens
-// a window or starts a cycle of its own.
+#include <optional>
+
+class QDBusConnection;
+
+// The program's command line. It is read before any GUI object exists: help, the version,
+// usage errors and the requests for the running Lulltide need only the session bus, never a
+// display. Only a launch that will run Lulltide itself goes on to make the QApplication.
 namespace CommandLine {
 
-// Whether the arguments name one of our options, so that the program runs as a client.
-// Decided before any application object exists: a client needs no display.
-bool isClientRequest(int argc, char* argv[]);
+// Exit codes, as --help and the manual page list them.
+enum ExitCode { Done = 0, Failed = 1, UsageError = 2 };
 
-// Needs a QCoreApplication. Prints help or the version, or sends the request to the running
-// instance and prints its answer; returns the exit code.
-int runClient();
+// What main() does once the command line has been read.
+struct Outcome {
+    // Set when this process has nothing more to do.
+    std::optional<int> exitCode;
+    // A launch that opens the settings window once Lulltide runs (--settings, nobody running).
+    bool showSettings = false;
+};
 
-// For a launch of the program itself: rejects what it does not know with a message and exit
-// code 1 (the application object has taken its own options already).
-void checkLaunchArguments();
+// Needs a QCoreApplication (for the translations) and nothing more. Answers --help, --version
+// and usage errors, sends a request to the running Lulltide and prints its answer, or finds
+// that this process is to run Lulltide itself.
+Outcome read();
 
-// What a launch says when it finds the program already running, before it exits.
-void sayAlreadyRunning();
+// For a launch that found the name taken when it tried to own it: asks the Lulltide that holds
+// it to show its settings, or says that another program holds it. Returns the exit code.
+int handOver(const QDBusConnection& bus, bool showSettings);
 
 } // namespace CommandLine

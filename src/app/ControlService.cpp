@@ -11,6 +11,7 @@
 const QString ControlService::serviceName = QString::fromUtf8(Config::appId);
 const QString ControlService::objectPath = QStringLiteral("/org/lulltide/Lulltide");
 const QString ControlService::interfaceName = QStringLiteral("org.lulltide.Lulltide");
+const QString ControlService::cannotSkipError = QStringLiteral("org.lulltide.Lulltide.Error.CannotSkip");
 
 ControlService::ControlService(QDBusConnection connection, QObject* parent)
     : QObject(parent), m_connection(std::move(connection)), m_announced(AppControl::status())
@@ -40,6 +41,14 @@ ControlService::Claim ControlService::claim()
         return Claim::AlreadyRunning;
     }
     return Claim::Owned;
+}
+
+void ControlService::Skip()
+{
+    const bool inBreak = AppControl::status().inBreak;
+    if (AppControl::skip() || !inBreak || !calledFromDBus())
+        return;
+    sendErrorReply(cannotSkipError, QStringLiteral("This break cannot be skipped: long breaks are forced."));
 }
 
 void ControlService::announce()

@@ -3,6 +3,7 @@
 #include "AppControl.h"
 
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
@@ -10,7 +11,7 @@
 // The running program on the session bus: owns the name that makes it the one instance and
 // exports /org/lulltide/Lulltide, through which the command line and other scripts read the
 // cycle and pause, resume, skip or quit it.
-class ControlService : public QObject {
+class ControlService : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.lulltide.Lulltide")
     Q_PROPERTY(bool Working READ working)
@@ -23,6 +24,8 @@ public:
     static const QString serviceName;
     static const QString objectPath;
     static const QString interfaceName;
+    // The error Skip() answers with during a break that may not be skipped.
+    static const QString cannotSkipError;
 
     enum class Claim { Owned, AlreadyRunning, NoBus };
 
@@ -46,7 +49,9 @@ public slots:
     void TogglePause() { AppControl::togglePause(); }
     void Pause() { AppControl::pause(); }
     void Resume() { AppControl::resume(); }
-    void Skip() { AppControl::skip(); }
+    // Ends the break that is up; a forced long break is refused with cannotSkipError, so the
+    // caller can say why nothing happened. With no break up there is nothing to do.
+    void Skip();
     void ShowSettings() { AppControl::showSettings(); }
     void Quit() { AppControl::quit(); }
 

@@ -1,3 +1,4 @@
+#include "AppControl.h"
 #include "AppDelegate.h"
 #include "CommandLine.h"
 #include "Config.h"
@@ -10,31 +11,41 @@
 #include <QIcon>
 #include <QTimer>
 
+namespace {
+
+void nameTheApplication()
+{
+    QCoreApplication::setApplicationName(AppInfo::name());
+    QCoreApplication::setApplicationVersion(AppInfo::version());
+    Translations::install();
+}
+
+} // namespace
+
 int main(int argc, char* argv[])
 {
-    if (CommandLine::isClientRequest(argc, argv)) {
-        // A request for the running instance: no display, no window, no cycle of our own.
-        QCoreApplication client(argc, argv);
-        QCoreApplication::setApplicationName(AppInfo::name());
-        QCoreApplication::setApplicationVersion(AppInfo::version());
-        Translations::install();
-        return CommandLine::runClient();
+    // The command line first, with no GUI object: it must answer over ssh, from cron or a
+    // typing error without a display, and most of its requests go to the running Lulltide.
+    CommandLine::Outcome outcome;
+    {
+        QCoreApplication commandLine(argc, argv);
+        nameTheApplication();
+        outcome = CommandLine::read();
     }
+    if (outcome.exitCode)
+        return *outcome.exitCode;
 
     QApplication app(argc, argv);
-    QApplication::setApplicationName(AppInfo::name());
-    QApplication::setApplicationVersion(AppInfo::version());
+    nameTheApplication();
     QApplication::setDesktopFileName(QString::fromUtf8(Config::appId));
-    Translations::install();
-    CommandLine::checkLaunchArguments();
 
     auto* control = new ControlService(QDBusConnection::sessionBus(), &app);
     switch (control->claim()) {
     case ControlService::Claim::Owned:
         break;
     case ControlService::Claim::AlreadyRunning:
-        CommandLine::sayAlreadyRunning();
-        return 0;
+        // Another launch took the name since the command line looked.
+        return CommandLine::handOver(QDBusConnection::sessionBus(), outcome.showSettings);
     case ControlService::Claim::NoBus:
         delete control;
         logger().warning(
@@ -51,7 +62,11 @@ int main(int argc, char* argv[])
     QApplication::setQuitOnLastWindowClosed(false);
 
     AppDelegate delegate;
-    QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
+    QTimer::singleShot(0, &delegate, [&delegate, showSettings = outcome.showSettings] {
+        delegate.applicationDidFinishLaunching();
+        if (showSettings)
+            AppControl::showSettings();
+    });
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &delegate, &AppDelegate::applicationWillTerminate);
     return app.exec();
 }
