@@ -30,6 +30,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusReply>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QLabel>
@@ -526,6 +527,77 @@ private slots:
             "com.canonical.dbusmenu.Error.UnknownId");
     }
 
+    void repeatedAndUnknownIdsAreAnsweredOnceEachOrLeftOut()
+    {
+        const QDBusMessage group =
+            callMenu("GetGroupProperties",
+                     {QVariant::fromValue(QList<int>{3, 3, 9, 42, -1, 0, 3, 9}), QStringList{"label"}});
+        QCOMPARE(group.type(), QDBusMessage::ReplyMessage);
+        const auto entries =
+            qdbus_cast<DBusMenuItemPropertiesList>(group.arguments().value(0).value<QDBusArgument>());
+        QList<int> ids;
+        for (const DBusMenuItemProperties& entry : entries)
+            ids << entry.id;
+        QCOMPARE(ids, QList<int>({3, 9, 0}));
+
+        QDBusMessage shown =
+            callMenu("AboutToShowGroup", {QVariant::fromValue(QList<int>{42, 3, 42, 43, 42})});
+        QCOMPARE(shown.type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(qdbus_cast<QList<int>>(shown.arguments().value(1)), QList<int>({42, 43}));
+    }
+
+    void requestsLargerThanAnyMenuNeedsAreRefusedWithAnError()
+    {
+        const QString limits = "org.freedesktop.DBus.Error.LimitsExceeded";
+        QList<int> ids(1001, 3);
+        QStringList names(1001, "label");
+        QCOMPARE(callMenu("GetGroupProperties", {QVariant::fromValue(ids), QStringList()}).errorName(),
+                 limits);
+        QCOMPARE(callMenu("GetGroupProperties", {QVariant::fromValue(QList<int>{3}), names}).errorName(),
+                 limits);
+        QCOMPARE(callMenu("GetLayout", {0, -1, names}).errorName(), limits);
+        QCOMPARE(callMenu("AboutToShowGroup", {QVariant::fromValue(ids)}).errorName(), limits);
+        DBusMenuEventList events(1001, DBusMenuEvent{42, "hovered", QDBusVariant(0), 0});
+        QCOMPARE(callMenu("EventGroup", {QVariant::fromValue(events)}).errorName(), limits);
+        // Up to the limit is answered.
+        ids.removeLast();
+        QCOMPARE(callMenu("GetGroupProperties", {QVariant::fromValue(ids), QStringList()}).type(),
+                 QDBusMessage::ReplyMessage);
+        // A long property name is not echoed whole.
+        const QDBusMessage property = callMenu("GetProperty", {3, QString(100000, u'x')});
+        QCOMPARE(property.errorName(), "com.canonical.dbusmenu.Error.UnknownProperty");
+        QVERIFY2(property.errorMessage().size() < 200,
+                 qPrintable(QString::number(property.errorMessage().size())));
+    }
+
+    void anActivationTokenIsKeptOnlyWhenItLooksLikeOne()
+    {
+        qunsetenv("XDG_ACTIVATION_TOKEN");
+        QCOMPARE(callItem("ProvideXdgActivationToken", {QString(1000000, u'x')}).type(),
+                 QDBusMessage::ReplyMessage);
+        QCOMPARE(callItem("ProvideXdgActivationToken", {QString("a\nLD_PRELOAD=x")}).type(),
+                 QDBusMessage::ReplyMessage);
+        QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+        QCOMPARE(callItem("ProvideXdgActivationToken", {QString("kwin-42_token")}).type(),
+                 QDBusMessage::ReplyMessage);
+        QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), "kwin-42_token");
+        qunsetenv("XDG_ACTIVATION_TOKEN");
+    }
+
+    void aClickRepeatedInOneEventGroupRunsItsActionOnce()
+    {
+        restartWork();
+        const DBusMenuEvent click{3, "clicked", QDBusVariant(QString()), 0};
+        QCOMPARE(callMenu("EventGroup", {QVariant::fromValue(DBusMenuEventList{click, click})}).type(),
+                 QDBusMessage::ReplyMessage);
+        QTRY_VERIFY(AppState::manualPause());
+        // Both clicks, had they been queued, would have run by the answer to a later call.
+        callMenu("AboutToShow", {0});
+        QCoreApplication::processEvents();
+        QVERIFY(AppState::manualPause());
+        AppState::setManualPause(false);
+    }
+
     void clickingThePauseEntryRetitlesItToWrokAndBack()
     {
         restartWork();
@@ -739,6 +811,47 @@ private slots:
         QImage image(1, 1, QImage::Format_ARGB32);
         image.setPixel(0, 0, qRgba(0x11, 0x22, 0x33, 0x80));
         QCOMPARE(SniIconPixmap::fromImage(image).bytes, QByteArray("\x80\x11\x22\x33", 4));
+    }
+
+    void aMenuRequestForMillionsOfIdsIsRefusedAtOnceAndTheProgramKeepsItsName()
+    {
+        TestSupport::ProgramRun run;
+        QDir().mkpath(run.home.path() + "/.config/lulltide");
+        QFile conf(run.home.path() + "/.config/lulltide/lulltide.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nauto_check_update=false\n");
+        conf.close();
+        run.process.setProcessEnvironment(TestSupport::environmentWithHome(run.home.path()));
+        run.process.start(LULLTIDE_BINARY, {});
+        QVERIFY(run.process.waitForStarted());
+        const QString name = "org.lulltide.Lulltide";
+        QTRY_VERIFY_WITH_TIMEOUT(panel.interface()->isServiceRegistered(name), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(run.log().contains("sandbox home path: "), 10000);
+        const QString owner = panel.interface()->serviceOwner(name);
+
+        // Three million ids of real entries: an answer per id would be larger than the bus carries.
+        QDBusMessage huge =
+            QDBusMessage::createMethodCall(name, menuPath, menuInterface, "GetGroupProperties");
+        QList<int> ids(3000000);
+        for (qsizetype i = 0; i < ids.size(); ++i)
+            ids[i] = int(i % 10);
+        huge << QVariant::fromValue(ids) << QStringList();
+        QElapsedTimer took;
+        took.start();
+        const QDBusMessage reply = panel.call(huge, QDBus::Block, 30000);
+        const qint64 elapsed = took.elapsed();
+        QCOMPARE(reply.errorName(), "org.freedesktop.DBus.Error.LimitsExceeded");
+        QVERIFY2(elapsed < 15000, qPrintable(QString::number(elapsed)));
+
+        // Still the one instance, on the bus with everything it exported.
+        QCOMPARE(run.process.state(), QProcess::Running);
+        QCOMPARE(panel.interface()->serviceOwner(name).value(), owner);
+        QCOMPARE(call(name, "/org/lulltide/Lulltide", "org.freedesktop.DBus.Properties", "Get",
+                      {"org.lulltide.Lulltide", "Working"})
+                     .type(),
+                 QDBusMessage::ReplyMessage);
+        QCOMPARE(call(name, menuPath, menuInterface, "GetLayout", {0, -1, QStringList()}).type(),
+                 QDBusMessage::ReplyMessage);
     }
 
     void theRunningProgramShowsBothInterfacesCountsDownAndItsQuitEntryEndsIt()

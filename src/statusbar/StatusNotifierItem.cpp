@@ -214,6 +214,13 @@ void StatusNotifierItem::Scroll(int, const QString&)
 
 void StatusNotifierItem::ProvideXdgActivationToken(const QString& token)
 {
-    // Wayland compositors let the next window take the focus with this token.
+    // Wayland compositors let the next window take the focus with this token. Real tokens are
+    // short printable text; anything else is not put into our environment.
+    if (token.isEmpty() || token.size() > 256)
+        return;
+    for (QChar c : token) {
+        if (c.unicode() <= 0x20 || c.unicode() >= 0x7f)
+            return;
+    }
     qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
 }
