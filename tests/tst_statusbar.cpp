@@ -35,6 +35,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QSystemTrayIcon>
 #include <QTemporaryDir>
 
@@ -261,6 +262,33 @@ private slots:
         QVERIFY(watcher->start());
         QTRY_COMPARE(watcher->registeredItems(), QStringList{itemService() + "/StatusNotifierItem"});
         QTRY_VERIFY(!item().findChild<TrayIcon*>());
+    }
+
+    void whenThePanelsWatcherGoesTheTrayIconComesBackAndLeavesAgainWithTheNextPanel()
+    {
+        QVERIFY(!item().findChild<TrayIcon*>());
+        // The later tests need the panel back, whatever happens here.
+        const auto panelBack = qScopeGuard([this] { watcher->start(); });
+        watcher->stop();
+        TrayIcon* tray = nullptr;
+        QTRY_VERIFY((tray = item().findChild<TrayIcon*>()));
+        QVERIFY(tray->trayIcon()->isVisible());
+        QCOMPARE(tray->trayIcon()->toolTip(), "Lulltide\n" + AppState::workState().timeString());
+        QCOMPARE(logCount("the StatusNotifierWatcher left the session bus: the panel shows a tray icon "
+                          "without the countdown"),
+                 1);
+
+        QVERIFY(watcher->start());
+        QTRY_COMPARE(watcher->registeredItems(), QStringList{itemService() + "/StatusNotifierItem"});
+        QTRY_VERIFY(!item().findChild<TrayIcon*>());
+
+        // A panel that goes again brings the tray icon back again, without a second log line.
+        watcher->stop();
+        QTRY_VERIFY(item().findChild<TrayIcon*>());
+        QVERIFY(watcher->start());
+        QTRY_COMPARE(watcher->registeredItems().size(), 1);
+        QTRY_VERIFY(!item().findChild<TrayIcon*>());
+        QCOMPARE(logCount("the StatusNotifierWatcher left the session bus"), 1);
     }
 
     void itemOffersEveryPropertyPanelsRead()

@@ -9,6 +9,7 @@
 
 #include <QCursor>
 #include <QPointer>
+#include <QSet>
 
 namespace StatusItemExporter {
 namespace {
@@ -25,7 +26,13 @@ QPointer<TrayIcon> trayIcon;
 
 void showTrayIcon(StatusItem& item, const QString& why)
 {
-    logger().info(why + QStringLiteral(": the panel shows a tray icon without the countdown"));
+    if (trayIcon)
+        return;
+    // Each reason once: a panel that restarts again and again must not fill the log.
+    static QSet<QString> told;
+    if (!told.contains(why))
+        logger().info(why + QStringLiteral(": the panel shows a tray icon without the countdown"));
+    told.insert(why);
     trayIcon = new TrayIcon(item, popupMenu(item), &item);
 }
 
@@ -54,8 +61,12 @@ void start(StatusItem& item)
                      [&item](const QPoint& position) {
                          popupMenu(item)->popup(position.isNull() ? QCursor::pos() : position);
                      });
-    // A panel that comes later takes the item over from the tray icon.
+    // A panel that comes later takes the item over from the tray icon, and gives it back when
+    // it goes: the item is never nowhere.
     QObject::connect(notifierItem, &StatusNotifierItem::registered, &item, [] { delete trayIcon; });
+    QObject::connect(notifierItem, &StatusNotifierItem::watcherLost, &item, [&item] {
+        showTrayIcon(item, QStringLiteral("the StatusNotifierWatcher left the session bus"));
+    });
     if (!notifierItem->hasWatcher())
         showTrayIcon(item, QStringLiteral("no StatusNotifierWatcher on the session bus"));
 }

@@ -99,11 +99,13 @@ bool StatusNotifierItem::exportAndRegister()
     m_watcher = new QDBusServiceWatcher(QLatin1String(watcherService), m_connection,
                                         QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& newOwner) {
+            [this](const QString&, const QString& oldOwner, const QString& newOwner) {
                 m_registered = false;
                 m_hasWatcher = !newOwner.isEmpty();
                 if (m_hasWatcher)
                     watcherAppeared(newOwner);
+                else if (!oldOwner.isEmpty())
+                    emit watcherLost();
             });
 
     const QDBusReply<QString> owner = m_connection.interface()->serviceOwner(QLatin1String(watcherService));

@@ -91,6 +91,8 @@ signals:
 
     // A watcher took the item (at start or after a panel restart).
     void registered();
+    // The watcher left the bus (the panel quit or crashed): nothing shows the item now.
+    void watcherLost();
     // The panel asks for the menu to be shown by the program, at this point of the screen.
     void menuRequested(const QPoint& position);
 
