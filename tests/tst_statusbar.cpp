@@ -24,6 +24,7 @@
 #include "timer/TicktackController.h"
 #include "timer/TicktackState.h"
 
+#include <QCursor>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -823,11 +824,106 @@ private slots:
         QTRY_COMPARE(property("IconName").toString(), QString()); // the badge is back
     }
 
+    void matesNotificationAreaGetsTheLabelAndThePanelIsNamedOnceInTheLog()
+    {
+        restartWork();
+        QCOMPARE(property("IconName").toString(), QString()); // badge for the stand-in watcher
+        const auto panelBack = qScopeGuard([this] { watcher->start(); });
+        watcher->stop();
+
+        // A watcher process named as MATE's panel is: its notification area lives inside it.
+        const QString matePanel = tools.filePath("mate-panel");
+        QVERIFY(QFile::link(QCoreApplication::applicationFilePath(), matePanel));
+        QProcess mate;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LULLTIDE_TEST_CHILD", "watcher");
+        mate.setProcessEnvironment(environment);
+        mate.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        mate.start(matePanel, {});
+        QVERIFY(mate.waitForStarted());
+        QByteArray output;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (output += mate.readAllStandardOutput()).contains("registered " + itemService().toUtf8()), 10000);
+        QCOMPARE(PanelHost::processName(quint32(mate.processId())), "mate-panel");
+        QTRY_COMPARE(property("IconName").toString(), "org.lulltide.Lulltide-muyu");
+        QCOMPARE(label(), "25:00");
+        const QImage plain = BadgeIcon::draw(item().imagePath(), 16, {});
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(plain).bytes);
+        QCOMPARE(
+            logCount("the panel's watcher is mate-panel: the countdown shows as a label beside the icon"), 1);
+
+        mate.terminate();
+        QVERIFY(mate.waitForFinished(5000));
+        QVERIFY(watcher->start());
+        QTRY_COMPARE(watcher->registeredItems().size(), 1);
+        QTRY_COMPARE(property("IconName").toString(), QString());
+        QCOMPARE(logCount("the panel's watcher is mate-panel"), 1);
+        QVERIFY(logCount(": the countdown shows as a badge on the icon") >= 1);
+    }
+
+    void aClickGivenInsideThePanelsAppletOpensTheMenuAtThePointerAndAScreenEdgePointThere()
+    {
+        // The pointer on an item of a panel along the bottom edge of the 1280x800 screen.
+        const QPoint pointer(700, 790);
+        QCursor::setPos(pointer);
+        QTRY_COMPARE(QCursor::pos(), pointer);
+
+        // MATE's notification area gives the click inside its applet.
+        QCOMPARE(callItem("Activate", {5, 5}).type(), QDBusMessage::ReplyMessage);
+        StatusPopupMenu* popup = nullptr;
+        QTRY_VERIFY((popup = qobject_cast<StatusPopupMenu*>(QApplication::activePopupWidget())));
+        QTRY_VERIFY(popup->isVisible());
+        QCOMPARE(popup->geometry().left(), pointer.x());
+        // Above or below the point, as the room on the screen allows, touching it.
+        QVERIFY(popup->geometry().adjusted(-1, -1, 1, 1).contains(pointer));
+        popup->close();
+
+        // A panel that gives a point of the screen's edge near the pointer gets the menu there.
+        const QPoint edge(660, 780);
+        QCOMPARE(callItem("Activate", {edge.x(), edge.y()}).type(), QDBusMessage::ReplyMessage);
+        QTRY_VERIFY((popup = qobject_cast<StatusPopupMenu*>(QApplication::activePopupWidget())));
+        QTRY_VERIFY(popup->isVisible());
+        QCOMPARE(popup->geometry().left(), edge.x());
+        // Above or below the point, as the room on the screen allows, touching it.
+        QVERIFY(popup->geometry().adjusted(-1, -1, 1, 1).contains(edge));
+        popup->close();
+    }
+
+    void theMenuOpensAtThePanelsPointOnlyWhenItIsOnAScreenEdgeNearThePointer_data()
+    {
+        QTest::addColumn<QPoint>("given");
+        QTest::addColumn<QPoint>("pointer");
+        QTest::addColumn<QPoint>("menu");
+        const QPoint topRight(1250, 10);
+        const QPoint bottom(700, 790);
+        QTest::newRow("the pointer itself") << topRight << topRight << topRight;
+        QTest::newRow("the item's corner beside the pointer")
+            << QPoint(1230, 0) << topRight << QPoint(1230, 0);
+        QTest::newRow("bottom panel") << QPoint(660, 780) << bottom << QPoint(660, 780);
+        QTest::newRow("inside the applet, top-left") << QPoint(5, 5) << bottom << bottom;
+        QTest::newRow("inside the applet of a top panel") << QPoint(120, 12) << topRight << topRight;
+        QTest::newRow("nothing given") << QPoint(0, 0) << topRight << topRight;
+        QTest::newRow("mid-screen beside the pointer")
+            << QPoint(600, 400) << QPoint(610, 410) << QPoint(610, 410);
+        QTest::newRow("off every screen") << QPoint(-20, 790) << QPoint(10, 790) << QPoint(10, 790);
+        QTest::newRow("right panel of the second screen")
+            << QPoint(3190, 500) << QPoint(3180, 520) << QPoint(3190, 500);
+    }
+    void theMenuOpensAtThePanelsPointOnlyWhenItIsOnAScreenEdgeNearThePointer()
+    {
+        QFETCH(QPoint, given);
+        QFETCH(QPoint, pointer);
+        QFETCH(QPoint, menu);
+        const QList<QRect> screens{QRect(0, 0, 1280, 800), QRect(1280, 0, 1920, 1080)};
+        QCOMPARE(PanelHost::menuPosition(given, pointer, screens), menu);
+    }
+
     void knownLabelPanelsAreFewAndNamedByTheirWatcherProcess()
     {
         QVERIFY(PanelHost::drawsLabel("gnome-shell"));
         QVERIFY(PanelHost::drawsLabel("indicator-appli"));
         QVERIFY(PanelHost::drawsLabel("ayatana-indicat"));
+        QVERIFY(PanelHost::drawsLabel("mate-panel"));
         QVERIFY(!PanelHost::drawsLabel("plasmashell"));
         QVERIFY(!PanelHost::drawsLabel("xfce4-panel"));
         QVERIFY(!PanelHost::drawsLabel("waybar"));

@@ -1,6 +1,7 @@
 #include "StatusItemExporter.h"
 
 #include "DBusMenu.h"
+#include "PanelHost.h"
 #include "StatusItem.h"
 #include "StatusNotifierItem.h"
 #include "StatusPopupMenu.h"
@@ -8,7 +9,9 @@
 #include "logging/Logger.h"
 
 #include <QCursor>
+#include <QGuiApplication>
 #include <QPointer>
+#include <QScreen>
 #include <QSet>
 
 namespace StatusItemExporter {
@@ -36,6 +39,14 @@ void showTrayIcon(StatusItem& item, const QString& why)
     trayIcon = new TrayIcon(item, popupMenu(item), &item);
 }
 
+QPoint menuPosition(const QPoint& given)
+{
+    QList<QRect> screens;
+    for (const QScreen* screen : QGuiApplication::screens())
+        screens.append(screen->geometry());
+    return PanelHost::menuPosition(given, QCursor::pos(), screens);
+}
+
 } // namespace
 
 void start(StatusItem& item)
@@ -58,9 +69,7 @@ void start(StatusItem& item)
         return;
     }
     QObject::connect(notifierItem, &StatusNotifierItem::menuRequested, &item,
-                     [&item](const QPoint& position) {
-                         popupMenu(item)->popup(position.isNull() ? QCursor::pos() : position);
-                     });
+                     [&item](const QPoint& position) { popupMenu(item)->popup(menuPosition(position)); });
     // A panel that comes later takes the item over from the tray icon, and gives it back when
     // it goes: the item is never nowhere.
     QObject::connect(notifierItem, &StatusNotifierItem::registered, &item, [] { delete trayIcon; });

@@ -127,6 +127,14 @@ void StatusNotifierItem::watcherAppeared(const QString& owner)
         m_connection.asyncCall(call), this, [this, owner](const QDBusPendingReply<quint32>& pid) {
             const QString process = pid.isValid() ? PanelHost::processName(pid.value()) : QString();
             m_hostDrawsLabel = PanelHost::drawsLabel(process);
+            // Said once per panel: which one is there and how it shows the countdown.
+            const QString panel =
+                (process.isEmpty() ? QStringLiteral("an unknown process") : process) +
+                (m_hostDrawsLabel ? QStringLiteral(": the countdown shows as a label beside the icon")
+                                  : QStringLiteral(": the countdown shows as a badge on the icon"));
+            if (panel != m_panelLogged)
+                logger().info(QStringLiteral("the panel's watcher is ") + panel);
+            m_panelLogged = panel;
             updateIcon();
             registerWith(owner);
         });

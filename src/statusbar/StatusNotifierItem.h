@@ -110,6 +110,7 @@ private:
     bool m_registered = false;
     bool m_hostDrawsLabel = false;
     bool m_registrationErrorLogged = false;
+    QString m_panelLogged;
     QString m_label;
     QString m_iconKey;
     QString m_iconName;
