@@ -567,6 +567,44 @@ private slots:
         QVERIFY(instance.log().contains("ticktack timer start 1500.0"));
     }
 
+    void losingTheSessionBusEndsTheProgramWithAnErrorAndSaysSoOnce()
+    {
+        // A session bus of this test's own, to end under the running program.
+        QProcess daemon;
+        daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address=1"});
+        QVERIFY(daemon.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(daemon.canReadLine(), 10000);
+        const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
+
+        Instance instance;
+        QDir().mkpath(instance.home.path() + "/.config/lulltide");
+        QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nauto_check_update=false\n");
+        conf.close();
+        QProcessEnvironment env = environment(instance.home.path());
+        env.insert("DBUS_SESSION_BUS_ADDRESS", address);
+        instance.process.setProcessEnvironment(env);
+        instance.process.start(LULLTIDE_BINARY, {});
+        QVERIFY(instance.process.waitForStarted());
+        {
+            QDBusConnection bus = QDBusConnection::connectToBus(address, "doomed");
+            QVERIFY(bus.isConnected());
+            QTRY_VERIFY_WITH_TIMEOUT(bus.interface()->isServiceRegistered(service), 10000);
+        }
+        QDBusConnection::disconnectFromBus("doomed");
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
+
+        daemon.kill();
+        QVERIFY(daemon.waitForFinished(5000));
+        QVERIFY(instance.process.waitForFinished(15000));
+        QCOMPARE(instance.process.exitStatus(), QProcess::NormalExit);
+        QVERIFY2(instance.process.exitCode() != 0, qPrintable(QString::number(instance.process.exitCode())));
+        QCOMPARE(
+            instance.log().count("lost the D-Bus session bus: the desktop session is over, Lulltide ends"),
+            1);
+    }
+
     // The rest runs the service inside this test, with time stepped by hand.
     void countdownIsAnnouncedAtMostOncePerSecond()
     {

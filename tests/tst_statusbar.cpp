@@ -24,16 +24,19 @@
 #include "timer/TicktackController.h"
 #include "timer/TicktackState.h"
 
+#include <QCursor>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusReply>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QLabel>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QSystemTrayIcon>
 #include <QTemporaryDir>
 
@@ -260,6 +263,33 @@ private slots:
         QVERIFY(watcher->start());
         QTRY_COMPARE(watcher->registeredItems(), QStringList{itemService() + "/StatusNotifierItem"});
         QTRY_VERIFY(!item().findChild<TrayIcon*>());
+    }
+
+    void whenThePanelsWatcherGoesTheTrayIconComesBackAndLeavesAgainWithTheNextPanel()
+    {
+        QVERIFY(!item().findChild<TrayIcon*>());
+        // The later tests need the panel back, whatever happens here.
+        const auto panelBack = qScopeGuard([this] { watcher->start(); });
+        watcher->stop();
+        TrayIcon* tray = nullptr;
+        QTRY_VERIFY((tray = item().findChild<TrayIcon*>()));
+        QVERIFY(tray->trayIcon()->isVisible());
+        QCOMPARE(tray->trayIcon()->toolTip(), "Lulltide\n" + AppState::workState().timeString());
+        QCOMPARE(logCount("the StatusNotifierWatcher left the session bus: the panel shows a tray icon "
+                          "without the countdown"),
+                 1);
+
+        QVERIFY(watcher->start());
+        QTRY_COMPARE(watcher->registeredItems(), QStringList{itemService() + "/StatusNotifierItem"});
+        QTRY_VERIFY(!item().findChild<TrayIcon*>());
+
+        // A panel that goes again brings the tray icon back again, without a second log line.
+        watcher->stop();
+        QTRY_VERIFY(item().findChild<TrayIcon*>());
+        QVERIFY(watcher->start());
+        QTRY_COMPARE(watcher->registeredItems().size(), 1);
+        QTRY_VERIFY(!item().findChild<TrayIcon*>());
+        QCOMPARE(logCount("the StatusNotifierWatcher left the session bus"), 1);
     }
 
     void itemOffersEveryPropertyPanelsRead()
@@ -526,6 +556,77 @@ private slots:
             "com.canonical.dbusmenu.Error.UnknownId");
     }
 
+    void repeatedAndUnknownIdsAreAnsweredOnceEachOrLeftOut()
+    {
+        const QDBusMessage group =
+            callMenu("GetGroupProperties",
+                     {QVariant::fromValue(QList<int>{3, 3, 9, 42, -1, 0, 3, 9}), QStringList{"label"}});
+        QCOMPARE(group.type(), QDBusMessage::ReplyMessage);
+        const auto entries =
+            qdbus_cast<DBusMenuItemPropertiesList>(group.arguments().value(0).value<QDBusArgument>());
+        QList<int> ids;
+        for (const DBusMenuItemProperties& entry : entries)
+            ids << entry.id;
+        QCOMPARE(ids, QList<int>({3, 9, 0}));
+
+        QDBusMessage shown =
+            callMenu("AboutToShowGroup", {QVariant::fromValue(QList<int>{42, 3, 42, 43, 42})});
+        QCOMPARE(shown.type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(qdbus_cast<QList<int>>(shown.arguments().value(1)), QList<int>({42, 43}));
+    }
+
+    void requestsLargerThanAnyMenuNeedsAreRefusedWithAnError()
+    {
+        const QString limits = "org.freedesktop.DBus.Error.LimitsExceeded";
+        QList<int> ids(1001, 3);
+        QStringList names(1001, "label");
+        QCOMPARE(callMenu("GetGroupProperties", {QVariant::fromValue(ids), QStringList()}).errorName(),
+                 limits);
+        QCOMPARE(callMenu("GetGroupProperties", {QVariant::fromValue(QList<int>{3}), names}).errorName(),
+                 limits);
+        QCOMPARE(callMenu("GetLayout", {0, -1, names}).errorName(), limits);
+        QCOMPARE(callMenu("AboutToShowGroup", {QVariant::fromValue(ids)}).errorName(), limits);
+        DBusMenuEventList events(1001, DBusMenuEvent{42, "hovered", QDBusVariant(0), 0});
+        QCOMPARE(callMenu("EventGroup", {QVariant::fromValue(events)}).errorName(), limits);
+        // Up to the limit is answered.
+        ids.removeLast();
+        QCOMPARE(callMenu("GetGroupProperties", {QVariant::fromValue(ids), QStringList()}).type(),
+                 QDBusMessage::ReplyMessage);
+        // A long property name is not echoed whole.
+        const QDBusMessage property = callMenu("GetProperty", {3, QString(100000, u'x')});
+        QCOMPARE(property.errorName(), "com.canonical.dbusmenu.Error.UnknownProperty");
+        QVERIFY2(property.errorMessage().size() < 200,
+                 qPrintable(QString::number(property.errorMessage().size())));
+    }
+
+    void anActivationTokenIsKeptOnlyWhenItLooksLikeOne()
+    {
+        qunsetenv("XDG_ACTIVATION_TOKEN");
+        QCOMPARE(callItem("ProvideXdgActivationToken", {QString(1000000, u'x')}).type(),
+                 QDBusMessage::ReplyMessage);
+        QCOMPARE(callItem("ProvideXdgActivationToken", {QString("a\nLD_PRELOAD=x")}).type(),
+                 QDBusMessage::ReplyMessage);
+        QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+        QCOMPARE(callItem("ProvideXdgActivationToken", {QString("kwin-42_token")}).type(),
+                 QDBusMessage::ReplyMessage);
+        QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), "kwin-42_token");
+        qunsetenv("XDG_ACTIVATION_TOKEN");
+    }
+
+    void aClickRepeatedInOneEventGroupRunsItsActionOnce()
+    {
+        restartWork();
+        const DBusMenuEvent click{3, "clicked", QDBusVariant(QString()), 0};
+        QCOMPARE(callMenu("EventGroup", {QVariant::fromValue(DBusMenuEventList{click, click})}).type(),
+                 QDBusMessage::ReplyMessage);
+        QTRY_VERIFY(AppState::manualPause());
+        // Both clicks, had they been queued, would have run by the answer to a later call.
+        callMenu("AboutToShow", {0});
+        QCoreApplication::processEvents();
+        QVERIFY(AppState::manualPause());
+        AppState::setManualPause(false);
+    }
+
     void clickingThePauseEntryRetitlesItToWrokAndBack()
     {
         restartWork();
@@ -723,11 +824,106 @@ private slots:
         QTRY_COMPARE(property("IconName").toString(), QString()); // the badge is back
     }
 
+    void matesNotificationAreaGetsTheLabelAndThePanelIsNamedOnceInTheLog()
+    {
+        restartWork();
+        QCOMPARE(property("IconName").toString(), QString()); // badge for the stand-in watcher
+        const auto panelBack = qScopeGuard([this] { watcher->start(); });
+        watcher->stop();
+
+        // A watcher process named as MATE's panel is: its notification area lives inside it.
+        const QString matePanel = tools.filePath("mate-panel");
+        QVERIFY(QFile::link(QCoreApplication::applicationFilePath(), matePanel));
+        QProcess mate;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LULLTIDE_TEST_CHILD", "watcher");
+        mate.setProcessEnvironment(environment);
+        mate.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        mate.start(matePanel, {});
+        QVERIFY(mate.waitForStarted());
+        QByteArray output;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (output += mate.readAllStandardOutput()).contains("registered " + itemService().toUtf8()), 10000);
+        QCOMPARE(PanelHost::processName(quint32(mate.processId())), "mate-panel");
+        QTRY_COMPARE(property("IconName").toString(), "org.lulltide.Lulltide-muyu");
+        QCOMPARE(label(), "25:00");
+        const QImage plain = BadgeIcon::draw(item().imagePath(), 16, {});
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(plain).bytes);
+        QCOMPARE(
+            logCount("the panel's watcher is mate-panel: the countdown shows as a label beside the icon"), 1);
+
+        mate.terminate();
+        QVERIFY(mate.waitForFinished(5000));
+        QVERIFY(watcher->start());
+        QTRY_COMPARE(watcher->registeredItems().size(), 1);
+        QTRY_COMPARE(property("IconName").toString(), QString());
+        QCOMPARE(logCount("the panel's watcher is mate-panel"), 1);
+        QVERIFY(logCount(": the countdown shows as a badge on the icon") >= 1);
+    }
+
+    void aClickGivenInsideThePanelsAppletOpensTheMenuAtThePointerAndAScreenEdgePointThere()
+    {
+        // The pointer on an item of a panel along the bottom edge of the 1280x800 screen.
+        const QPoint pointer(700, 790);
+        QCursor::setPos(pointer);
+        QTRY_COMPARE(QCursor::pos(), pointer);
+
+        // MATE's notification area gives the click inside its applet.
+        QCOMPARE(callItem("Activate", {5, 5}).type(), QDBusMessage::ReplyMessage);
+        StatusPopupMenu* popup = nullptr;
+        QTRY_VERIFY((popup = qobject_cast<StatusPopupMenu*>(QApplication::activePopupWidget())));
+        QTRY_VERIFY(popup->isVisible());
+        QCOMPARE(popup->geometry().left(), pointer.x());
+        // Above or below the point, as the room on the screen allows, touching it.
+        QVERIFY(popup->geometry().adjusted(-1, -1, 1, 1).contains(pointer));
+        popup->close();
+
+        // A panel that gives a point of the screen's edge near the pointer gets the menu there.
+        const QPoint edge(660, 780);
+        QCOMPARE(callItem("Activate", {edge.x(), edge.y()}).type(), QDBusMessage::ReplyMessage);
+        QTRY_VERIFY((popup = qobject_cast<StatusPopupMenu*>(QApplication::activePopupWidget())));
+        QTRY_VERIFY(popup->isVisible());
+        QCOMPARE(popup->geometry().left(), edge.x());
+        // Above or below the point, as the room on the screen allows, touching it.
+        QVERIFY(popup->geometry().adjusted(-1, -1, 1, 1).contains(edge));
+        popup->close();
+    }
+
+    void theMenuOpensAtThePanelsPointOnlyWhenItIsOnAScreenEdgeNearThePointer_data()
+    {
+        QTest::addColumn<QPoint>("given");
+        QTest::addColumn<QPoint>("pointer");
+        QTest::addColumn<QPoint>("menu");
+        const QPoint topRight(1250, 10);
+        const QPoint bottom(700, 790);
+        QTest::newRow("the pointer itself") << topRight << topRight << topRight;
+        QTest::newRow("the item's corner beside the pointer")
+            << QPoint(1230, 0) << topRight << QPoint(1230, 0);
+        QTest::newRow("bottom panel") << QPoint(660, 780) << bottom << QPoint(660, 780);
+        QTest::newRow("inside the applet, top-left") << QPoint(5, 5) << bottom << bottom;
+        QTest::newRow("inside the applet of a top panel") << QPoint(120, 12) << topRight << topRight;
+        QTest::newRow("nothing given") << QPoint(0, 0) << topRight << topRight;
+        QTest::newRow("mid-screen beside the pointer")
+            << QPoint(600, 400) << QPoint(610, 410) << QPoint(610, 410);
+        QTest::newRow("off every screen") << QPoint(-20, 790) << QPoint(10, 790) << QPoint(10, 790);
+        QTest::newRow("right panel of the second screen")
+            << QPoint(3190, 500) << QPoint(3180, 520) << QPoint(3190, 500);
+    }
+    void theMenuOpensAtThePanelsPointOnlyWhenItIsOnAScreenEdgeNearThePointer()
+    {
+        QFETCH(QPoint, given);
+        QFETCH(QPoint, pointer);
+        QFETCH(QPoint, menu);
+        const QList<QRect> screens{QRect(0, 0, 1280, 800), QRect(1280, 0, 1920, 1080)};
+        QCOMPARE(PanelHost::menuPosition(given, pointer, screens), menu);
+    }
+
     void knownLabelPanelsAreFewAndNamedByTheirWatcherProcess()
     {
         QVERIFY(PanelHost::drawsLabel("gnome-shell"));
         QVERIFY(PanelHost::drawsLabel("indicator-appli"));
         QVERIFY(PanelHost::drawsLabel("ayatana-indicat"));
+        QVERIFY(PanelHost::drawsLabel("mate-panel"));
         QVERIFY(!PanelHost::drawsLabel("plasmashell"));
         QVERIFY(!PanelHost::drawsLabel("xfce4-panel"));
         QVERIFY(!PanelHost::drawsLabel("waybar"));
@@ -739,6 +935,47 @@ private slots:
         QImage image(1, 1, QImage::Format_ARGB32);
         image.setPixel(0, 0, qRgba(0x11, 0x22, 0x33, 0x80));
         QCOMPARE(SniIconPixmap::fromImage(image).bytes, QByteArray("\x80\x11\x22\x33", 4));
+    }
+
+    void aMenuRequestForMillionsOfIdsIsRefusedAtOnceAndTheProgramKeepsItsName()
+    {
+        TestSupport::ProgramRun run;
+        QDir().mkpath(run.home.path() + "/.config/lulltide");
+        QFile conf(run.home.path() + "/.config/lulltide/lulltide.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nauto_check_update=false\n");
+        conf.close();
+        run.process.setProcessEnvironment(TestSupport::environmentWithHome(run.home.path()));
+        run.process.start(LULLTIDE_BINARY, {});
+        QVERIFY(run.process.waitForStarted());
+        const QString name = "org.lulltide.Lulltide";
+        QTRY_VERIFY_WITH_TIMEOUT(panel.interface()->isServiceRegistered(name), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(run.log().contains("sandbox home path: "), 10000);
+        const QString owner = panel.interface()->serviceOwner(name);
+
+        // Three million ids of real entries: an answer per id would be larger than the bus carries.
+        QDBusMessage huge =
+            QDBusMessage::createMethodCall(name, menuPath, menuInterface, "GetGroupProperties");
+        QList<int> ids(3000000);
+        for (qsizetype i = 0; i < ids.size(); ++i)
+            ids[i] = int(i % 10);
+        huge << QVariant::fromValue(ids) << QStringList();
+        QElapsedTimer took;
+        took.start();
+        const QDBusMessage reply = panel.call(huge, QDBus::Block, 30000);
+        const qint64 elapsed = took.elapsed();
+        QCOMPARE(reply.errorName(), "org.freedesktop.DBus.Error.LimitsExceeded");
+        QVERIFY2(elapsed < 15000, qPrintable(QString::number(elapsed)));
+
+        // Still the one instance, on the bus with everything it exported.
+        QCOMPARE(run.process.state(), QProcess::Running);
+        QCOMPARE(panel.interface()->serviceOwner(name).value(), owner);
+        QCOMPARE(call(name, "/org/lulltide/Lulltide", "org.freedesktop.DBus.Properties", "Get",
+                      {"org.lulltide.Lulltide", "Working"})
+                     .type(),
+                 QDBusMessage::ReplyMessage);
+        QCOMPARE(call(name, menuPath, menuInterface, "GetLayout", {0, -1, QStringList()}).type(),
+                 QDBusMessage::ReplyMessage);
     }
 
     void theRunningProgramShowsBothInterfacesCountsDownAndItsQuitEntryEndsIt()

@@ -3,8 +3,10 @@
 #include "AppState.h"
 #include "Config.h"
 #include "StateChanges.h"
+#include "logging/Logger.h"
 #include "timer/TicktackState.h"
 
+#include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 
@@ -40,6 +42,10 @@ ControlService::Claim ControlService::claim()
         m_connection.unregisterObject(objectPath);
         return Claim::AlreadyRunning;
     }
+    // The bus library tells a lost connection with this signal of its own, on no real path.
+    m_connection.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                         QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                         SLOT(sessionBusLost()));
     return Claim::Owned;
 }
 
@@ -49,6 +55,13 @@ void ControlService::Skip()
     if (AppControl::skip() || !inBreak || !calledFromDBus())
         return;
     sendErrorReply(cannotSkipError, QStringLiteral("This break cannot be skipped: long breaks are forced."));
+}
+
+void ControlService::sessionBusLost()
+{
+    logger().warning(
+        QStringLiteral("lost the D-Bus session bus: the desktop session is over, Lulltide ends"));
+    QCoreApplication::exit(1);
 }
 
 void ControlService::announce()

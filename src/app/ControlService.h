@@ -55,6 +55,11 @@ public slots:
     void ShowSettings() { AppControl::showSettings(); }
     void Quit() { AppControl::quit(); }
 
+private slots:
+    // A desktop session without its bus is over, and a second instance could start beside one
+    // that no longer holds the name: the program says so once and ends with an error.
+    void sessionBusLost();
+
 private:
     // Sends PropertiesChanged with whatever differs from what was last announced; the
     // countdown texts wait when they were announced less than a second ago.

@@ -3,12 +3,24 @@
 #include "StatusMenu.h"
 #include "StatusMenuItem.h"
 
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QTimer>
 
 namespace {
 
 const QString unknownIdError = QStringLiteral("com.canonical.dbusmenu.Error.UnknownId");
+
+// The menu has ten ids and a handful of property names: a panel never needs more in one call.
+// Anything the panel sends is otherwise unbounded, and an answer per requested id could grow
+// past what the bus carries, which makes the bus drop our connection.
+constexpr qsizetype maxRequestSize = 1000;
+
+// A name is echoed in an error text; a panel's typo is short.
+QString shortened(const QString& name)
+{
+    return name.size() <= 64 ? name : name.left(64) + QStringLiteral("...");
+}
 
 DBusMenuShortcut shortcutOf(const QString& key)
 {
@@ -113,6 +125,17 @@ void DBusMenu::refuseUnknownId(int id)
         sendErrorReply(unknownIdError, QStringLiteral("no menu entry has the id %1").arg(id));
 }
 
+bool DBusMenu::refuseTooLarge(qsizetype size)
+{
+    if (size <= maxRequestSize)
+        return false;
+    if (calledFromDBus())
+        sendErrorReply(
+            QDBusError::LimitsExceeded,
+            QStringLiteral("at most %1 entries or names are answered in one call").arg(maxRequestSize));
+    return true;
+}
+
 uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
                          DBusMenuLayoutItem& layout)
 {
@@ -120,7 +143,11 @@ uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& pr
         refuseUnknownId(parentId);
         return m_revision;
     }
-    layout = layoutOf(parentId, recursionDepth, propertyNames);
+    if (refuseTooLarge(propertyNames.size()))
+        return m_revision;
+    // The menu is one level deep: any depth below the root, or all (-1), is the same.
+    const int depth = recursionDepth < 0 ? 1 : std::min(recursionDepth, 1);
+    layout = layoutOf(parentId, depth, propertyNames);
     return m_revision;
 }
 
@@ -128,18 +155,24 @@ DBusMenuItemPropertiesList DBusMenu::GetGroupProperties(const QList<int>& ids,
                                                         const QStringList& propertyNames)
 {
     DBusMenuItemPropertiesList result;
+    if (refuseTooLarge(ids.size()) || refuseTooLarge(propertyNames.size()))
+        return result;
     // An empty list asks for every entry.
     QList<int> wanted = ids;
     if (wanted.isEmpty()) {
         for (int id = 1; id <= m_menu.items().size(); ++id)
             wanted.append(id);
     }
-    for (int id : wanted) {
-        if (id == 0) {
+    // Each known entry once, in the order asked; unknown ids are left out.
+    QList<bool> answered(m_menu.items().size() + 1, false);
+    for (int id : std::as_const(wanted)) {
+        if (id < 0 || id >= answered.size() || answered.at(id))
+            continue;
+        answered[id] = true;
+        if (id == 0)
             result.append({0, layoutOf(0, 0, propertyNames).properties});
-        } else if (StatusMenuItem* item = itemWithId(id)) {
-            result.append({id, properties(*item, propertyNames)});
-        }
+        else
+            result.append({id, properties(*itemWithId(id), propertyNames)});
     }
     return result;
 }
@@ -154,7 +187,7 @@ QDBusVariant DBusMenu::GetProperty(int id, const QString& name)
     if (!all.contains(name)) {
         if (calledFromDBus())
             sendErrorReply(QStringLiteral("com.canonical.dbusmenu.Error.UnknownProperty"),
-                           QStringLiteral("entry %1 has no property %2").arg(id).arg(name));
+                           QStringLiteral("entry %1 has no property %2").arg(id).arg(shortened(name)));
         return QDBusVariant(QString());
     }
     return QDBusVariant(all.value(name));
@@ -182,11 +215,23 @@ void DBusMenu::Event(int id, const QString& eventId, const QDBusVariant& data, u
 QList<int> DBusMenu::EventGroup(const DBusMenuEventList& events)
 {
     QList<int> idErrors;
+    if (refuseTooLarge(events.size()))
+        return idErrors;
+    // A repeated event runs once: a panel's loop must not run an action many times over.
+    QSet<std::pair<int, QString>> seen;
+    qsizetype refused = 0;
     for (const DBusMenuEvent& event : events) {
-        if (!triggerLater(event.id, event.eventId))
+        const std::pair<int, QString> key{event.id, event.eventId};
+        if (seen.contains(key))
+            continue;
+        seen.insert(key);
+        if (triggerLater(event.id, event.eventId))
+            continue;
+        ++refused;
+        if (!idErrors.contains(event.id))
             idErrors.append(event.id);
     }
-    if (!events.isEmpty() && idErrors.size() == events.size() && calledFromDBus())
+    if (!events.isEmpty() && refused == seen.size() && calledFromDBus())
         sendErrorReply(unknownIdError, QStringLiteral("no menu entry has any of the ids"));
     return idErrors;
 }
@@ -202,9 +247,14 @@ bool DBusMenu::AboutToShow(int id)
 QList<int> DBusMenu::AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors)
 {
     idErrors.clear();
+    if (refuseTooLarge(ids.size()))
+        return {};
+    QSet<int> seen;
     for (int id : ids) {
-        if (id != 0 && !itemWithId(id))
+        if (id != 0 && !itemWithId(id) && !seen.contains(id)) {
+            seen.insert(id);
             idErrors.append(id);
+        }
     }
     return {};
 }

@@ -61,6 +61,8 @@ private:
     int idOf(const StatusMenuItem* item) const;
     DBusMenuLayoutItem layoutOf(int id, int depth, const QStringList& names) const;
     void refuseUnknownId(int id);
+    // True (and an error sent to the caller) when a request asks for more than any menu needs.
+    bool refuseTooLarge(qsizetype size);
     bool triggerLater(int id, const QString& eventId);
     void itemChanged(StatusMenuItem* item);
     void sendChangedItems();

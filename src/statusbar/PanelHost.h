@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QList>
+#include <QPoint>
+#include <QRect>
 #include <QString>
 
 // What we know of the panel that shows our item, told apart by the process that owns the
@@ -12,5 +15,9 @@ bool drawsLabel(const QString& processName);
 
 // The kernel's name of a process; empty when it is gone or unreadable.
 QString processName(quint32 pid);
+
+// Where the menu opens when the panel asks for it at `given`, with the pointer at `pointer` and
+// the screens at `screens`: `given` when it is believable, else the pointer.
+QPoint menuPosition(const QPoint& given, const QPoint& pointer, const QList<QRect>& screens);
 
 } // namespace PanelHost

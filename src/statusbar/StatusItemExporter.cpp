@@ -1,6 +1,7 @@
 #include "StatusItemExporter.h"
 
 #include "DBusMenu.h"
+#include "PanelHost.h"
 #include "StatusItem.h"
 #include "StatusNotifierItem.h"
 #include "StatusPopupMenu.h"
@@ -8,7 +9,10 @@
 #include "logging/Logger.h"
 
 #include <QCursor>
+#include <QGuiApplication>
 #include <QPointer>
+#include <QScreen>
+#include <QSet>
 
 namespace StatusItemExporter {
 namespace {
@@ -25,8 +29,22 @@ QPointer<TrayIcon> trayIcon;
 
 void showTrayIcon(StatusItem& item, const QString& why)
 {
-    logger().info(why + QStringLiteral(": the panel shows a tray icon without the countdown"));
+    if (trayIcon)
+        return;
+    // Each reason once: a panel that restarts again and again must not fill the log.
+    static QSet<QString> told;
+    if (!told.contains(why))
+        logger().info(why + QStringLiteral(": the panel shows a tray icon without the countdown"));
+    told.insert(why);
     trayIcon = new TrayIcon(item, popupMenu(item), &item);
+}
+
+QPoint menuPosition(const QPoint& given)
+{
+    QList<QRect> screens;
+    for (const QScreen* screen : QGuiApplication::screens())
+        screens.append(screen->geometry());
+    return PanelHost::menuPosition(given, QCursor::pos(), screens);
 }
 
 } // namespace
@@ -51,11 +69,13 @@ void start(StatusItem& item)
         return;
     }
     QObject::connect(notifierItem, &StatusNotifierItem::menuRequested, &item,
-                     [&item](const QPoint& position) {
-                         popupMenu(item)->popup(position.isNull() ? QCursor::pos() : position);
-                     });
-    // A panel that comes later takes the item over from the tray icon.
+                     [&item](const QPoint& position) { popupMenu(item)->popup(menuPosition(position)); });
+    // A panel that comes later takes the item over from the tray icon, and gives it back when
+    // it goes: the item is never nowhere.
     QObject::connect(notifierItem, &StatusNotifierItem::registered, &item, [] { delete trayIcon; });
+    QObject::connect(notifierItem, &StatusNotifierItem::watcherLost, &item, [&item] {
+        showTrayIcon(item, QStringLiteral("the StatusNotifierWatcher left the session bus"));
+    });
     if (!notifierItem->hasWatcher())
         showTrayIcon(item, QStringLiteral("no StatusNotifierWatcher on the session bus"));
 }

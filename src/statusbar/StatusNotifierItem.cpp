@@ -99,11 +99,13 @@ bool StatusNotifierItem::exportAndRegister()
     m_watcher = new QDBusServiceWatcher(QLatin1String(watcherService), m_connection,
                                         QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& newOwner) {
+            [this](const QString&, const QString& oldOwner, const QString& newOwner) {
                 m_registered = false;
                 m_hasWatcher = !newOwner.isEmpty();
                 if (m_hasWatcher)
                     watcherAppeared(newOwner);
+                else if (!oldOwner.isEmpty())
+                    emit watcherLost();
             });
 
     const QDBusReply<QString> owner = m_connection.interface()->serviceOwner(QLatin1String(watcherService));
@@ -125,6 +127,14 @@ void StatusNotifierItem::watcherAppeared(const QString& owner)
         m_connection.asyncCall(call), this, [this, owner](const QDBusPendingReply<quint32>& pid) {
             const QString process = pid.isValid() ? PanelHost::processName(pid.value()) : QString();
             m_hostDrawsLabel = PanelHost::drawsLabel(process);
+            // Said once per panel: which one is there and how it shows the countdown.
+            const QString panel =
+                (process.isEmpty() ? QStringLiteral("an unknown process") : process) +
+                (m_hostDrawsLabel ? QStringLiteral(": the countdown shows as a label beside the icon")
+                                  : QStringLiteral(": the countdown shows as a badge on the icon"));
+            if (panel != m_panelLogged)
+                logger().info(QStringLiteral("the panel's watcher is ") + panel);
+            m_panelLogged = panel;
             updateIcon();
             registerWith(owner);
         });
@@ -214,6 +224,13 @@ void StatusNotifierItem::Scroll(int, const QString&)
 
 void StatusNotifierItem::ProvideXdgActivationToken(const QString& token)
 {
-    // Wayland compositors let the next window take the focus with this token.
+    // Wayland compositors let the next window take the focus with this token. Real tokens are
+    // short printable text; anything else is not put into our environment.
+    if (token.isEmpty() || token.size() > 256)
+        return;
+    for (QChar c : token) {
+        if (c.unicode() <= 0x20 || c.unicode() >= 0x7f)
+            return;
+    }
     qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
 }

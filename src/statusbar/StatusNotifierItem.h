@@ -91,6 +91,8 @@ signals:
 
     // A watcher took the item (at start or after a panel restart).
     void registered();
+    // The watcher left the bus (the panel quit or crashed): nothing shows the item now.
+    void watcherLost();
     // The panel asks for the menu to be shown by the program, at this point of the screen.
     void menuRequested(const QPoint& position);
 
@@ -108,6 +110,7 @@ private:
     bool m_registered = false;
     bool m_hostDrawsLabel = false;
     bool m_registrationErrorLogged = false;
+    QString m_panelLogged;
     QString m_label;
     QString m_iconKey;
     QString m_iconName;
