@@ -485,8 +485,29 @@ private slots:
         session("Lock");
         QTRY_COMPARE(AppState::working(), false);
         QCOMPARE(stops(), before + 1);
+        // Each source clears in turn; the unlock comes once, with the last of them.
         screenSaver("org.gnome.ScreenSaver", false);
+        screenSaver("org.mate.ScreenSaver", false);
+        const int startsBefore = starts();
+        session("Unlock");
         QTRY_COMPARE(AppState::working(), true);
+        QCOMPARE(starts(), startsBefore + 1);
+        screenSaver("org.mate.ScreenSaver", false); // told twice
+        QCOMPARE(starts(), startsBefore + 1);
+    }
+
+    void theScreenStaysLockedUntilTheLastSourceClears()
+    {
+        freshStart();
+        screenSaver("org.gnome.ScreenSaver", true);
+        QTRY_COMPARE(AppState::working(), false);
+        lockedHint(true);
+        screenSaver("org.gnome.ScreenSaver", false);
+        QCOMPARE(AppState::working(), false); // the session still says locked
+        QVERIFY(!ticks->running());
+        lockedHint(false);
+        QTRY_COMPARE(AppState::working(), true);
+        QCOMPARE(AppState::workState().timeString(), "25:00");
     }
 
     void loginSessionLockAndUnlockDriveTheCycle()
@@ -516,6 +537,51 @@ private slots:
         prepareForSleep(false);
         QTRY_COMPARE(AppState::working(), true);
         QCOMPARE(AppState::workState().timeString(), "25:00");
+    }
+
+    void aResumeWithTheLockScreenStillUpIsNoUnlock()
+    {
+        freshStart();
+        ticks->tick(10);
+        // The desktop locks the screen on the way to sleep.
+        prepareForSleep(true);
+        screenSaver("org.gnome.ScreenSaver", true);
+        lockedHint(true);
+        QTRY_COMPARE(AppState::working(), false);
+        const int startsBefore = starts();
+
+        prepareForSleep(false);
+        QCOMPARE(AppState::working(), false);
+        QVERIFY(!ticks->running());
+        QCOMPARE(starts(), startsBefore);
+
+        // The person types the password: the unlock starts a fresh period, once.
+        screenSaver("org.gnome.ScreenSaver", false);
+        QCOMPARE(AppState::working(), false);
+        lockedHint(false);
+        QTRY_COMPARE(AppState::working(), true);
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+        QCOMPARE(starts(), startsBefore + 1);
+    }
+
+    void theNewDayGreetingWaitsForTheRealUnlockAfterAResume()
+    {
+        freshStart();
+        prefs().setShowNewDayTip(true);
+        prepareForSleep(true);
+        lockedHint(true);
+        QTRY_COMPARE(AppState::working(), false);
+        prefs().setLastWeakupTimestamp(prefs().lastWeakupTimestamp() - 86400); // slept overnight
+
+        prepareForSleep(false);
+        QVERIFY(!WindowController::isBreakShown()); // nobody would see it behind the lock screen
+        QVERIFY(!ticks->running());
+
+        lockedHint(false);
+        QTRY_VERIFY(WindowController::isBreakShown());
+        QCOMPARE(AppState::promptState().prompt(), PromptState::newDayPrompt());
+        QCOMPARE(AppState::breakState().timeString(), "00:10");
+        AppState::promptState().closePrompt();
     }
 
     void lockNotesTheTimeOnlyWhileTheGreetingIsOn()
