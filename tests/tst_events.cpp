@@ -443,6 +443,35 @@ private slots:
         AppState::promptState().closePrompt();
     }
 
+    void pointerAndModifierActivityWhileLockedNeitherRestartsNorReArms()
+    {
+        freshStart();
+        screenSaver("org.freedesktop.ScreenSaver", true);
+        QTRY_COMPARE(AppState::working(), false);
+        const int startsBefore = starts();
+        const auto item = AppState::mouseMoveEventItem();
+        QTRY_VERIFY(item->remaining() < longTimeout - 300ms);
+        const auto remaining = item->remaining();
+
+        // A pointer nudged on the way to the keyboard, a click, and Shift typed into the lock
+        // screen's password field.
+        seen(movePointer);
+        seen([] { xdotool({"click", "1"}); });
+        seen([] { xdotool({"key", "shift+a"}); });
+        QCOMPARE(AppState::working(), false);
+        QVERIFY(!ticks->running());
+        QCOMPARE(starts(), startsBefore);
+        QCOMPARE(AppState::mouseMoveEventItem(), item);
+        QVERIFY(item->remaining() <= remaining);
+
+        screenSaver("org.freedesktop.ScreenSaver", false);
+        QTRY_COMPARE(AppState::working(), true);
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+        QCOMPARE(starts(), startsBefore + 1);
+        // Unlocked, the desk counts again.
+        moveAndSeeTheTimeoutReArmed();
+    }
+
     void lockDuringABreakStopsItAndClosesItsWindowsAndUnlockStartsAFullWorkPeriod()
     {
         freshStart();
