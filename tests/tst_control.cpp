@@ -457,6 +457,51 @@ private slots:
         QCOMPARE(instance.log(), log);
     }
 
+    void everyScriptedPauseDuringAForcedBreakClosesItAndResumeStartsWorkWithNoBreakWindow_data()
+    {
+        QTest::addColumn<QString>("pause");
+        QTest::addColumn<QString>("resume");
+        QTest::newRow("--pause, --resume") << "--pause"
+                                           << "--resume";
+        QTest::newRow("--toggle-pause twice") << "--toggle-pause"
+                                              << "--toggle-pause";
+        QTest::newRow("Pause(), Resume() on the bus") << "Pause"
+                                                      << "Resume";
+        QTest::newRow("TogglePause() twice on the bus") << "TogglePause"
+                                                        << "TogglePause";
+    }
+
+    void everyScriptedPauseDuringAForcedBreakClosesItAndResumeStartsWorkWithNoBreakWindow()
+    {
+        QFETCH(QString, pause);
+        QFETCH(QString, resume);
+        const auto ask = [&](const QString& request) {
+            if (request.startsWith("--")) {
+                QCOMPARE(lulltide({request}).exitCode, 0);
+                return;
+            }
+            const QDBusMessage reply = QDBusConnection::sessionBus().call(
+                QDBusMessage::createMethodCall(service, path, "org.lulltide.Lulltide", request));
+            QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+        };
+        Instance instance;
+        // Every break is long and forced: the break screen has no Skip button to leave it by.
+        // Six seconds of work: long enough to look at the screen after the resume.
+        start(instance, "work_time=0.1\nshort_break_times=1\nlong_break_time=3\nforce_long_break=true\n");
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 5000);
+
+        ask(pause);
+        QTRY_VERIFY_WITH_TIMEOUT(visibleWindows(instance).isEmpty(), 5000);
+        QCOMPARE(status(), "paused");
+        QCOMPARE(property("InBreak").toBool(), false);
+
+        ask(resume);
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("working 00:0"), 5000);
+        QCOMPARE(property("InBreak").toBool(), false);
+        QVERIFY(visibleWindows(instance).isEmpty());
+    }
+
     void skipDuringABreakEndsItAndStartsWork()
     {
         Instance instance;

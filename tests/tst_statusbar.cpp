@@ -5,6 +5,7 @@
 #include "app/AppDelegate.h"
 #include "app/AppState.h"
 #include "break/PromptState.h"
+#include "break/WindowController.h"
 #include "logging/Logger.h"
 #include "preferences/PrefState.h"
 #include "statusbar/AboutDialog.h"
@@ -671,6 +672,77 @@ private slots:
         QTRY_VERIFY(AppState::manualPause());
         callItem("SecondaryActivate", {0, 0});
         QTRY_VERIFY(!AppState::manualPause());
+    }
+
+    static QList<QWindow*> visibleBreakWindows()
+    {
+        QList<QWindow*> windows;
+        for (QWindow* window : QGuiApplication::allWindows()) {
+            if (window->objectName() == "breakWindow" && window->isVisible())
+                windows << window;
+        }
+        return windows;
+    }
+
+    // A break on the screen, two seconds into its countdown; `forced` makes it a long break
+    // without a Skip button.
+    void startBreak(bool forced)
+    {
+        AppState::prefState().setForceLongBreak(forced);
+        AppState::prefState().setShortBreakTimesString(forced ? "1" : "4");
+        AppState::prefState().setWorkTimeString("0.05"); // three seconds
+        restartWork();
+        ticks->tick(3);
+        AppState::prefState().setWorkTimeString("25");
+        QVERIFY(WindowController::isBreakShown());
+        QTRY_VERIFY(!visibleBreakWindows().isEmpty());
+        QCOMPARE(AppState::promptState().showSkipButton(), !forced);
+        ticks->tick(2);
+        QVERIFY(AppState::breakState().timeString() != "00:00");
+    }
+
+    // A pause (menu entry, middle click) during a break, then the same again to resume.
+    void pauseAndResumeDuringABreak(const std::function<void()>& pauseOrResume)
+    {
+        QFETCH(bool, forced);
+        startBreak(forced);
+        pauseOrResume();
+        QTRY_VERIFY(AppState::manualPause());
+        QVERIFY(!ticks->running());
+        QTRY_VERIFY(visibleBreakWindows().isEmpty());
+        QVERIFY(!WindowController::isBreakShown());
+
+        pauseOrResume();
+        QTRY_VERIFY(!AppState::manualPause());
+        QVERIFY(ticks->running());
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+        QCOMPARE(label(), "25:00");
+        QVERIFY(visibleBreakWindows().isEmpty());
+        QVERIFY(!WindowController::isBreakShown());
+        AppState::prefState().setForceLongBreak(false);
+        AppState::prefState().setShortBreakTimesString("4");
+    }
+
+    void thePauseEntryDuringABreakClosesTheBreakScreenAndResumeStartsWorkWithoutIt_data()
+    {
+        QTest::addColumn<bool>("forced");
+        QTest::newRow("short break") << false;
+        QTest::newRow("forced long break") << true;
+    }
+    void thePauseEntryDuringABreakClosesTheBreakScreenAndResumeStartsWorkWithoutIt()
+    {
+        pauseAndResumeDuringABreak([this] { click(3); });
+    }
+
+    void theMiddleButtonDuringABreakClosesTheBreakScreenAndResumeStartsWorkWithoutIt_data()
+    {
+        thePauseEntryDuringABreakClosesTheBreakScreenAndResumeStartsWorkWithoutIt_data();
+    }
+    void theMiddleButtonDuringABreakClosesTheBreakScreenAndResumeStartsWorkWithoutIt()
+    {
+        pauseAndResumeDuringABreak([this] {
+            QCOMPARE(callItem("SecondaryActivate", {0, 0}).type(), QDBusMessage::ReplyMessage);
+        });
     }
 
     void aPanelThatAsksForTheMenuGetsItAtThePointer()

@@ -33,26 +33,39 @@ QString statusLine(const Status& status)
     return QStringLiteral("stopped");
 }
 
+namespace {
+
+// A break screen left up while the cycle is paused, or behind a fresh work period, would stand
+// still over every monitor with nothing to end it.
+void closeBreakShown(const QString& why)
+{
+    if (!WindowController::isBreakShown())
+        return;
+    logger().info(why);
+    WindowController::closeBreak();
+}
+
+} // namespace
+
 void pause()
 {
     if (!AppState::manualPause())
         AppState::setManualPause(true);
-    if (WindowController::isBreakShown()) {
-        logger().info(QStringLiteral("paused during a break: closing the break windows"));
-        WindowController::closeBreak();
-    }
+    closeBreakShown(QStringLiteral("paused during a break: closing the break windows"));
 }
 
 void resume()
 {
-    if (AppState::manualPause() || !AppState::working())
-        AppState::setManualPause(false);
+    if (!AppState::manualPause() && AppState::working())
+        return;
+    closeBreakShown(QStringLiteral("resumed during a break: closing the break windows"));
+    AppState::setManualPause(false);
 }
 
 void togglePause()
 {
     if (AppState::manualPause())
-        AppState::setManualPause(false);
+        resume();
     else
         pause();
 }

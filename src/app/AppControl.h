@@ -25,9 +25,10 @@ QString statusLine(const Status& status);
 // countdown no longer runs.
 void pause();
 // Ends a pause by hand, or restarts counting stopped by idleness; a running work period or
-// break goes on untouched.
+// break goes on untouched. A break screen still up (the greeting of a new day) closes first:
+// the fresh work period would otherwise count behind it.
 void resume();
-// The menu's pause entry, with pause()'s closing of a break.
+// The menu's pause entry, its middle click and its shortcut: pause() or resume().
 void togglePause();
 // The Skip button: false (and nothing happens) when no break is up or the break is forced.
 bool skip();

@@ -3,6 +3,7 @@
 #include "logging/Logger.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -14,6 +15,9 @@ const QString login1 = QStringLiteral("org.freedesktop.login1");
 const QString login1Path = QStringLiteral("/org/freedesktop/login1");
 const QString managerInterface = QStringLiteral("org.freedesktop.login1.Manager");
 const QString sessionInterface = QStringLiteral("org.freedesktop.login1.Session");
+// The sources of login1; a screensaver is known by its interface's name.
+const QString loginSession = QStringLiteral("login1 session");
+const QString machineAsleep = QStringLiteral("sleep");
 
 } // namespace
 
@@ -36,7 +40,7 @@ bool ScreenLockMonitor::listenOnSessionBus()
     for (const char* screenSaver : {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver",
                                     "org.cinnamon.ScreenSaver", "org.mate.ScreenSaver"})
         bus.connect(QString(), QString(), QString::fromLatin1(screenSaver), QStringLiteral("ActiveChanged"),
-                    this, SLOT(screenSaverActiveChanged(bool)));
+                    this, SLOT(screenSaverActiveChanged(bool, QDBusMessage)));
     return true;
 }
 
@@ -76,41 +80,47 @@ void ScreenLockMonitor::listenToSession(const QString& sessionPath)
                 SLOT(sessionPropertiesChanged(QString, QVariantMap, QStringList)));
 }
 
-void ScreenLockMonitor::report(bool locked)
+void ScreenLockMonitor::report(const QString& source, bool locked)
 {
-    const State now = locked ? State::Locked : State::Unlocked;
+    if (locked)
+        m_lockedSources.insert(source);
+    else
+        m_lockedSources.remove(source);
+    const State now = m_lockedSources.isEmpty() ? State::Unlocked : State::Locked;
     if (now == m_state)
         return;
     m_state = now;
-    if (locked)
+    if (now == State::Locked)
         emit this->locked();
     else
         emit unlocked();
 }
 
-void ScreenLockMonitor::screenSaverActiveChanged(bool active)
+void ScreenLockMonitor::screenSaverActiveChanged(bool active, const QDBusMessage& message)
 {
-    report(active);
+    report(message.interface(), active);
 }
 
+// Lock and Unlock ask the session's locker to act; LockedHint is the locker's own word. One
+// source for all three, so an unlock by password (which brings no Unlock) still clears a Lock.
 void ScreenLockMonitor::sessionLocked()
 {
-    report(true);
+    report(loginSession, true);
 }
 
 void ScreenLockMonitor::sessionUnlocked()
 {
-    report(false);
+    report(loginSession, false);
 }
 
 void ScreenLockMonitor::sessionPropertiesChanged(const QString& interface, const QVariantMap& changed,
                                                  const QStringList&)
 {
     if (interface == sessionInterface && changed.contains(QStringLiteral("LockedHint")))
-        report(changed.value(QStringLiteral("LockedHint")).toBool());
+        report(loginSession, changed.value(QStringLiteral("LockedHint")).toBool());
 }
 
 void ScreenLockMonitor::prepareForSleep(bool sleeping)
 {
-    report(sleeping);
+    report(machineAsleep, sleeping);
 }

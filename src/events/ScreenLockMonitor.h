@@ -1,15 +1,19 @@
 #pragma once
 
 #include <QObject>
+#include <QSet>
 #include <QStringList>
 #include <QVariantMap>
+
+class QDBusMessage;
 
 // Tells when the screen locks and unlocks, from every source the desktop may use: the
 // screensavers' ActiveChanged on the session bus (freedesktop, GNOME, Cinnamon, MATE), and
 // login1 on the system bus (the session's Lock/Unlock and LockedHint, and the manager's
-// PrepareForSleep: a suspend counts as a lock, the resume as an unlock). All of them feed one
-// state, unknown at start, and only a change of it is reported, so two sources telling of the
-// same lock report it once.
+// PrepareForSleep). Each source keeps its own word: the screen counts as locked while any of
+// them says locked or the machine sleeps, so a resume with the lock screen still up is no unlock.
+// The combined state is unknown at start, and only a change of it is reported, so two sources
+// telling of the same lock report it once.
 class ScreenLockMonitor : public QObject {
     Q_OBJECT
 
@@ -22,15 +26,16 @@ public:
     void start();
 
     State state() const { return m_state; }
-    // A source's report: the screen is locked (true) or not.
-    void report(bool locked);
+    bool isLocked() const { return m_state == State::Locked; }
+    // A source's report: the screen is locked (true) or not, as far as `source` knows.
+    void report(const QString& source, bool locked);
 
 signals:
     void locked();
     void unlocked();
 
 private slots:
-    void screenSaverActiveChanged(bool active);
+    void screenSaverActiveChanged(bool active, const QDBusMessage& message);
     void sessionLocked();
     void sessionUnlocked();
     void sessionPropertiesChanged(const QString& interface, const QVariantMap& changed,
@@ -42,5 +47,6 @@ private:
     bool listenOnSystemBus();
     void listenToSession(const QString& sessionPath);
 
+    QSet<QString> m_lockedSources;
     State m_state = State::Unknown;
 };

@@ -42,10 +42,11 @@ void setup()
     locks->start();
 
     if (PointerMonitor* pointer = PointerMonitor::create(owner)) {
-        QObject::connect(pointer, &PointerMonitor::activity, owner, [] {
+        QObject::connect(pointer, &PointerMonitor::activity, owner, [locks] {
             // The break windows cover every screen; what the pointer does over them is the
-            // break screen's business, not activity at the desk.
-            if (!WindowController::isBreakShown())
+            // break screen's business, not activity at the desk. So is what it does over the lock
+            // screen (Shift typed into its password field among it): the unlock decides what follows.
+            if (!WindowController::isBreakShown() && !locks->isLocked())
                 SystemEventActions::onTrigger();
         });
         compositorReportsIdleness = pointer->reportsIdleness();

@@ -6,6 +6,7 @@
 #include "StatusItemExporter.h"
 #include "StatusMenu.h"
 #include "StatusMenuItem.h"
+#include "app/AppControl.h"
 #include "app/AppState.h"
 #include "break/PromptState.h"
 #include "break/WindowController.h"
@@ -37,8 +38,9 @@ StatusMenu* buildMenu()
     menu->addItem(new StatusMenuItem(headerTitle(AppInfo::infos())));
     menu->addItem(StatusMenuItem::separator());
 
-    auto* pause =
-        entry({}, {}, QStringLiteral("p"), [] { AppState::setManualPause(!AppState::manualPause()); });
+    // The middle click and the tray menu's shortcut come here too; the one toggle they share
+    // also takes down a break screen, whose countdown a pause stops.
+    auto* pause = entry({}, {}, QStringLiteral("p"), [] { AppControl::togglePause(); });
     pause->setTag(AppState::pauseItemTag);
     menu->addItem(pause);
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Settings..."),
