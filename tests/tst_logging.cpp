@@ -7,12 +7,16 @@
 #include "logging/LogSetup.h"
 #include "logging/Logger.h"
 #include "logging/MultiplexLogHandler.h"
+#include "statusbar/Feedback.h"
 
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
 
 namespace {
 
@@ -65,6 +69,54 @@ private:
 };
 
 const QString stamp = QStringLiteral("\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d[+-]\\d{4}");
+
+// Another program's corner of the shared log folder: a symbolic link loop, and a link that leads
+// out of one of our folders into theirs (followed, it would put their file under our prefix).
+void plantAnotherProgramsFolder(const QString& directory)
+{
+    touch(directory + "other.program/keep.log");
+    QVERIFY(QFile::link("loop2", directory + "other.program/loop1"));
+    QVERIFY(QFile::link("loop1", directory + "other.program/loop2"));
+    QVERIFY(QFile::link("loopB", directory + "loopA"));
+    QVERIFY(QFile::link("loopA", directory + "loopB"));
+    QVERIFY(QDir().mkpath(directory + id + ".d"));
+    QVERIFY(QFile::link("../other.program", directory + id + ".d/other"));
+}
+
+void verifyAnotherProgramsFolderIsUntouched(const QString& directory)
+{
+    QVERIFY(QFile::exists(directory + "other.program/keep.log"));
+    QVERIFY(QFileInfo(directory + "other.program/loop1").isSymLink());
+    QVERIFY(QFileInfo(directory + "other.program/loop2").isSymLink());
+    QVERIFY(QFileInfo(directory + "loopA").isSymLink());
+    QVERIFY(QFileInfo(directory + id + ".d/other").isSymLink());
+}
+
+// Runs this program again as a child in `mode` (see TestSupport::runChild), as the user nobody.
+TestSupport::ChildResult runChildAsNobody(const QByteArray& mode, QProcessEnvironment environment)
+{
+    environment.insert("LULLTIDE_TEST_CHILD", QString::fromUtf8(mode));
+    QProcess child;
+    child.setProcessEnvironment(environment);
+    child.start("setpriv", {"--reuid=65534", "--regid=65534", "--clear-groups", "--",
+                            QCoreApplication::applicationFilePath()});
+    if (!child.waitForFinished(20000)) {
+        child.kill();
+        child.waitForFinished();
+    }
+    TestSupport::ChildResult result;
+    result.crashed = child.exitStatus() == QProcess::CrashExit;
+    result.exitCode = child.exitCode();
+    result.standardOutput = QString::fromUtf8(child.readAllStandardOutput());
+    result.standardError = QString::fromUtf8(child.readAllStandardError());
+    return result;
+}
+
+// A file name that is not UTF-8, made from its bytes.
+std::filesystem::path rawName(const QString& directory, const std::string& name)
+{
+    return std::filesystem::path(QFile::encodeName(directory).toStdString()) / name;
+}
 
 } // namespace
 
@@ -122,6 +174,22 @@ private slots:
         QVERIFY2(LogSetup::prepareDirectory(directory, id, today, &error), qPrintable(error));
         QVERIFY(QFileInfo(directory).isDir());
         QVERIFY(QDir(directory).isEmpty());
+    }
+
+    void aFreshFolderHasNothingDeletedEvenWhenAnOldLogAppearsInIt()
+    {
+        QTemporaryDir root;
+        const QString directory = root.path() + "/Logs/";
+        const QString planted = directory + id + ".20261101.log";
+        QString error;
+        const bool prepared =
+            LogSetup::prepareDirectory(directory, id, today, &error, [&](const QString& folder, QString*) {
+                // Another writer drops an old day's log in the moment the folder exists.
+                touch(planted);
+                return QFileInfo(folder).isDir();
+            });
+        QVERIFY2(prepared, qPrintable(error));
+        QVERIFY(QFile::exists(planted));
     }
 
     void existingLogOfTodayIsAppendedToNotTruncatedAndSurvivesCleanup()
@@ -188,6 +256,75 @@ private slots:
         QVERIFY(!QFile::exists(directory + id + "/nested/older.log"));
         QVERIFY(QFile::exists(directory + id + "/nested/today-" + today + ".log"));
         QVERIFY(QFile::exists(directory + "elsewhere/" + id + ".20261101.log"));
+    }
+
+    void cleanupEntersNoOtherProgramsFolderAndFollowsNoLink()
+    {
+        QTemporaryDir root;
+        const QString directory = root.path() + "/Logs/";
+        plantAnotherProgramsFolder(directory);
+        touch(directory + id + ".20261101.log");
+        touch(directory + id + ".d/" + "older.log");
+
+        QString error;
+        QVERIFY2(LogSetup::prepareDirectory(directory, id, today, &error), qPrintable(error));
+        verifyAnotherProgramsFolderIsUntouched(directory);
+        QVERIFY(!QFile::exists(directory + id + ".20261101.log"));
+        QVERIFY(!QFile::exists(directory + id + ".d/older.log"));
+    }
+
+    void oldLogWhoseNameIsNotUtf8IsRemoved()
+    {
+        QTemporaryDir root;
+        const QString directory = root.path() + "/Logs/";
+        QVERIFY(QDir().mkpath(directory));
+        const char notUtf8 = char(0xff);
+        const auto old = rawName(directory, id.toStdString() + ".2026" + notUtf8 + "1101.log");
+        const auto todays =
+            rawName(directory, id.toStdString() + '.' + notUtf8 + '.' + today.toStdString() + ".log");
+        const auto foreign = rawName(directory, std::string("other.") + notUtf8 + ".20261101.log");
+        for (const auto& path : {old, todays, foreign})
+            std::ofstream(path).put('x');
+        QVERIFY(std::filesystem::exists(old));
+
+        QString error;
+        QVERIFY2(LogSetup::prepareDirectory(directory, id, today, &error), qPrintable(error));
+        QVERIFY(!std::filesystem::exists(old));
+        QVERIFY(std::filesystem::exists(todays));
+        QVERIFY(std::filesystem::exists(foreign));
+        // QTemporaryDir cannot name what is not UTF-8.
+        std::filesystem::remove_all(QFile::encodeName(root.path()).toStdString());
+    }
+
+    void anotherProgramsLockedFolderAndLinkLoopLeaveFileLoggingWorking()
+    {
+        QTemporaryDir home;
+        const QString directory = home.path() + "/.cache/Logs/";
+        plantAnotherProgramsFolder(directory);
+        touch(directory + "other.program/locked/" + id + ".20261101.log");
+        touch(directory + id + ".20261101.log");
+        QProcessEnvironment environment = TestSupport::environmentWithHome(home.path());
+        // Root opens every folder: the program runs as an ordinary user, for whom a folder can
+        // be locked, without root's display (it needs none to log).
+        const bool asNobody = geteuid() == 0;
+        if (asNobody) {
+            for (const QString& folder : {home.path(), home.path() + "/.cache", directory})
+                QFile::setPermissions(folder, QFileDevice::Permissions(0x7777));
+            environment.insert("QT_QPA_PLATFORM", "offscreen");
+            environment.remove("XDG_RUNTIME_DIR");
+        }
+        QFile::setPermissions(directory + "other.program/locked", QFileDevice::Permissions());
+
+        const auto child = asNobody ? runChildAsNobody("log-once", environment)
+                                    : TestSupport::runChild("log-once", environment);
+        QFile::setPermissions(directory + "other.program/locked", QFileDevice::Permissions(0x7700));
+        QCOMPARE(child.exitCode, 0);
+        QVERIFY2(!child.standardOutput.contains("create logger error"), qPrintable(child.standardOutput));
+        const QString fileText = readAll(directory + id + "." + LogSetup::todayString() + ".log");
+        QVERIFY2(fileText.contains(" info org.lulltide.Lulltide : from the child\n"), qPrintable(fileText));
+        verifyAnotherProgramsFolderIsUntouched(directory);
+        QVERIFY(QFile::exists(directory + "other.program/locked/" + id + ".20261101.log"));
+        QVERIFY(!QFile::exists(directory + id + ".20261101.log"));
     }
 
     void fileLoggingMakesALoggerThatWritesOnlyToItsFile()
@@ -305,6 +442,24 @@ private slots:
         QVERIFY(!QFile::exists(directory + id + ".20000101.log"));
     }
 
+    void feedbackMailAfterMidnightAttachesTheLogThatIsOpen()
+    {
+        QTemporaryDir home;
+        QTemporaryDir tools;
+        const QString record = TestSupport::writeStandInTool(tools.path(), "xdg-email");
+        QProcessEnvironment environment = TestSupport::environmentWithHome(home.path());
+        environment.insert("PATH", tools.path() + ":" + environment.value("PATH"));
+        const auto child = TestSupport::runChild("mail-after-midnight", environment);
+        QCOMPARE(child.exitCode, 0);
+
+        // Opened on 5 March, still open on the 6th: the mail carries the file that holds the run.
+        const QString opened = home.path() + "/.cache/Logs/" + id + ".20240305.log";
+        QTRY_COMPARE_WITH_TIMEOUT(TestSupport::recordedArguments(record).size(), 7, 10000);
+        const QStringList arguments = TestSupport::recordedArguments(record);
+        QCOMPARE(arguments.at(arguments.indexOf("--attach") + 1), opened);
+        QVERIFY2(readAll(opened).contains(" : before midnight\n"), qPrintable(readAll(opened)));
+    }
+
     void setupFailurePrintsCreateLoggerErrorAndRunsOnWithoutAFile()
     {
         QTemporaryDir home;
@@ -321,10 +476,27 @@ private slots:
     }
 };
 
+static std::time_t childClock = 0;
+
 static int childMain(const QByteArray& mode)
 {
     if (mode == "log-once")
         logger().info("from the child");
+    if (mode == "mail-after-midnight") {
+        std::tm lastSecond{};
+        lastSecond.tm_year = 2024 - 1900;
+        lastSecond.tm_mon = 2;
+        lastSecond.tm_mday = 5;
+        lastSecond.tm_hour = 23;
+        lastSecond.tm_min = 59;
+        lastSecond.tm_sec = 59;
+        lastSecond.tm_isdst = -1;
+        childClock = std::mktime(&lastSecond);
+        LogSetup::setClock([] { return childClock; });
+        logger().info("before midnight");
+        childClock += 2;
+        Feedback::compose();
+    }
     return 0;
 }
 

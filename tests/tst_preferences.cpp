@@ -13,9 +13,27 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QStandardPaths>
+#include <QTemporaryDir>
+
+namespace {
+
+// Turns launch at login on in a process of its own, so that its standard error and its
+// day's log can be read.
+int childMain(const QByteArray& mode)
+{
+    if (mode != "launch-at-login")
+        return 2;
+    PrefState prefs;
+    prefs.setLaunchAtLogin(true);
+    return prefs.launchAtLogin() ? 0 : 1;
+}
+
+} // namespace
 
 class PreferencesTest : public QObject {
     Q_OBJECT
@@ -34,6 +52,73 @@ class PreferencesTest : public QObject {
     {
         SettingsStore::settings().clear();
         SettingsStore::save();
+    }
+
+    // A program in `folder` that writes the path it was started by next to itself.
+    static QString writeRecordingProgram(const QString& folder)
+    {
+        QDir().mkpath(folder);
+        const QString program = folder + "/lulltide";
+        QFile script(program);
+        if (script.open(QIODevice::WriteOnly))
+            script.write("#!/bin/sh\nprintf '%s' \"$0\" > \"$(dirname \"$0\")/started\"\n");
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return program;
+    }
+    static QString recordedStart(const QString& program)
+    {
+        QFile record(QFileInfo(program).absolutePath() + "/started");
+        return record.open(QIODevice::ReadOnly) ? QString::fromUtf8(record.readAll()) : QString();
+    }
+    static QString writeEntry(const QString& folder, const QString& program)
+    {
+        const QString entry = folder + "/org.lulltide.Lulltide.desktop";
+        QFile file(entry);
+        if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            file.write(LoginItem::entryText(program).toUtf8());
+        return entry;
+    }
+    // The escapes of a string value, written out independently of the program's own code.
+    static QString stringValue(const QString& text)
+    {
+        QString escaped = text;
+        return escaped.replace("\\", "\\\\").replace("\n", "\\n").replace("\t", "\\t").replace("\r", "\\r");
+    }
+    // One quoted Exec argument read back: string escapes undone, then the quoting, then "%%".
+    static QString execArgument(const QString& value)
+    {
+        QString unescaped;
+        for (qsizetype i = 0; i < value.size(); ++i) {
+            if (value.at(i) == '\\' && i + 1 < value.size()) {
+                const QChar next = value.at(++i);
+                unescaped += next == 's'   ? QChar(' ')
+                             : next == 'n' ? QChar('\n')
+                             : next == 't' ? QChar('\t')
+                             : next == 'r' ? QChar('\r')
+                                           : next;
+            } else {
+                unescaped += value.at(i);
+            }
+        }
+        if (unescaped.size() < 2 || !unescaped.startsWith('"') || !unescaped.endsWith('"'))
+            return "not one quoted argument: " + unescaped;
+        QString argument;
+        for (qsizetype i = 1; i < unescaped.size() - 1; ++i) {
+            QChar character = unescaped.at(i);
+            if (character == '"' || character == '`' || character == '$')
+                return "unescaped " + QString(character) + " in: " + unescaped;
+            if (character == '\\') {
+                character = unescaped.at(++i);
+                if (!QString("\"`$\\").contains(character))
+                    return "a backslash before " + QString(character) + " in: " + unescaped;
+            } else if (character == '%') {
+                if (unescaped.at(++i) != '%')
+                    return "a field code in: " + unescaped;
+            }
+            argument += character;
+        }
+        return argument;
     }
 
 private slots:
@@ -265,6 +350,7 @@ private slots:
         QString expected = desktop;
         expected.replace("\n\n[Desktop Action pause]",
                          "\nX-GNOME-Autostart-enabled=true\n\n[Desktop Action pause]");
+        expected.replace("\nExec=lulltide\n", "\nExec=lulltide\nTryExec=lulltide\n");
         QCOMPARE(text, expected);
         prefs.setLaunchAtLogin(false);
     }
@@ -287,7 +373,7 @@ private slots:
         QVERIFY(written.open(QIODevice::ReadOnly));
         QCOMPARE(QString::fromUtf8(written.readAll()),
                  "[Desktop Entry]\nType=Application\nName=Lulltide\nComment=Packaged\nExec=lulltide"
-                 "\nIcon=org.lulltide.Lulltide\nX-GNOME-Autostart-enabled=true\n");
+                 "\nTryExec=lulltide\nIcon=org.lulltide.Lulltide\nX-GNOME-Autostart-enabled=true\n");
         prefs.setLaunchAtLogin(false);
         QVERIFY(installed.remove());
     }
@@ -302,11 +388,69 @@ private slots:
             QFile blocker(autostart);
             QVERIFY(blocker.open(QIODevice::WriteOnly));
         }
-        QTest::ignoreMessage(QtWarningMsg, "SMAppService error: ");
+        QTest::ignoreMessage(QtWarningMsg,
+                             QRegularExpression("^SMAppService error: cannot create .+/autostart: .+"));
         prefs.setLaunchAtLogin(true);
         QCOMPARE(prefs.launchAtLogin(), true);
         QVERIFY(QFile::remove(autostart));
         prefs.setLaunchAtLogin(false);
+    }
+
+    void aFailedAutostartWriteTellsWhyOnStandardErrorAndInTheDaysLog()
+    {
+        QTemporaryDir home;
+        // A file where the autostart folder should be: refused for root as well.
+        QVERIFY(QDir().mkpath(home.path() + "/.config"));
+        QFile blocker(home.path() + "/.config/autostart");
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+
+        const auto child =
+            TestSupport::runChild("launch-at-login", TestSupport::environmentWithHome(home.path()));
+        QCOMPARE(child.exitCode, 0);
+        const QStringList lines = child.standardError.split('\n').filter("SMAppService error: ");
+        QCOMPARE(lines.size(), 1);
+        const QString line = lines.first();
+        QVERIFY2(line.startsWith("SMAppService error: "), qPrintable(line));
+        // The reason names the folder and what the system said about it.
+        QVERIFY2(line.contains(home.path() + "/.config/autostart: "), qPrintable(line));
+        QVERIFY2(!line.endsWith(": "), qPrintable(line));
+        QVERIFY2(TestSupport::logTextIn(home.path()).contains(" info org.lulltide.Lulltide : " + line + "\n"),
+                 qPrintable(TestSupport::logTextIn(home.path())));
+        QVERIFY(QFileInfo(home.path() + "/.config/autostart").isFile());
+    }
+
+    void autostartEntryStartsAProgramWhosePathHoldsQuotesDollarsBackslashesAndPercents()
+    {
+        QTemporaryDir root;
+        const QString tricky = root.path() + "/a \"b\" `c` $HOME \\d\\\\e 'g'";
+        const QString program = writeRecordingProgram(tricky + " 100% %f");
+
+        const QString entry = writeEntry(root.path(), program);
+        QProcess validate;
+        validate.start("desktop-file-validate", {entry});
+        QVERIFY(validate.waitForFinished(20000));
+        const QString complaints = QString::fromUtf8(validate.readAll());
+        QVERIFY2(validate.exitCode() == 0 && !complaints.contains("error:"), qPrintable(complaints));
+
+        // Read back as a desktop reads an entry: string escapes, then the quoting,
+        // then the field codes.
+        const QStringList lines =
+            LoginItem::entryText(program).section("\n[", 0, 0).split('\n'); // main group
+        QCOMPARE(lines.filter(QRegularExpression("^Exec=")).size(), 1);
+        QCOMPARE(execArgument(lines.filter(QRegularExpression("^Exec=")).first().mid(5)), program);
+        // TryExec names the plain path, so a removed program's entry is passed over at login.
+        QCOMPARE(lines.filter(QRegularExpression("^TryExec=")),
+                 QStringList({"TryExec=" + stringValue(program)}));
+
+        // GLib, as a session reads the entry, starts exactly this program. (It looks for the
+        // program before it expands field codes, so it cannot start one whose path holds a "%".)
+        const QString launched = writeRecordingProgram(tricky);
+        QProcess launch;
+        launch.start("gio", {"launch", writeEntry(root.path(), launched)});
+        QVERIFY(launch.waitForFinished(20000));
+        QVERIFY2(launch.exitCode() == 0, launch.readAllStandardError().constData());
+        QTRY_COMPARE_WITH_TIMEOUT(recordedStart(launched), launched, 10000);
     }
 
     void writingShowTimeShowsOrHidesTheCountdownInTheStatusItem()
@@ -335,5 +479,5 @@ private slots:
     }
 };
 
-LULLTIDE_TEST_MAIN(PreferencesTest)
+LULLTIDE_TEST_MAIN_WITH_CHILD(PreferencesTest, childMain)
 #include "tst_preferences.moc"

@@ -261,7 +261,6 @@ private slots:
         typeText("0");
         QTRY_COMPARE(prefs().workTimeString(), "40");
         QCOMPARE(stored("work_time").toString(), "40");
-        QCOMPARE(find("workTimeField")->property("placeholderText").toString(), "40");
         typeInto("workTimeField", "abc"); // no validation: stored as typed, read as the default
         QTRY_COMPARE(prefs().workTimeString(), "abc");
         QCOMPARE(prefs().workTime(), 1500.0);
@@ -279,6 +278,64 @@ private slots:
         QTRY_COMPARE(prefs().shortBreakTimes(), 2);
         QTRY_COMPARE(prefs().longBreakTime(), 1200.0);
         QCOMPARE(stored("long_break_time").toString(), "20");
+    }
+
+    void anEmptiedFieldShowsTheValueStoredBeforeTheEditAsItsPlaceholder_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("setting");
+        QTest::addColumn<QString>("before");
+        QTest::newRow("work") << "workTimeField"
+                              << "workTimeString"
+                              << "30";
+        QTest::newRow("break") << "breakTimeField"
+                               << "breakTimeString"
+                               << "240";
+        QTest::newRow("short breaks") << "shortBreakTimesField"
+                                      << "shortBreakTimesString"
+                                      << "3";
+        QTest::newRow("long break") << "longBreakTimeField"
+                                    << "longBreakTimeString"
+                                    << "12";
+        QTest::newRow("break prompt") << "breakPromptField"
+                                      << "breakPrompt"
+                                      << "走走";
+        QTest::newRow("long break prompt") << "longBreakPromptField"
+                                           << "longBreakPrompt"
+                                           << "喝水";
+    }
+    void anEmptiedFieldShowsTheValueStoredBeforeTheEditAsItsPlaceholder()
+    {
+        QFETCH(QString, field);
+        QFETCH(QString, setting);
+        QFETCH(QString, before);
+        openTab("workflowTab");
+        prefs().setCustomBreakPrompt(true);
+        prefs().setCustomLongBreakPrompt(true);
+        const auto hidePromptFields = qScopeGuard([] {
+            prefs().setCustomBreakPrompt(false);
+            prefs().setCustomLongBreakPrompt(false);
+        });
+        const QByteArray name = field.toLatin1();
+        QQuickItem* edited = find(name.constData());
+        QTRY_VERIFY(edited->isVisible());
+        // The edit begins in a field that another field's edit left.
+        click(find(field == "workTimeField" ? "breakTimeField" : "workTimeField"));
+        QVERIFY(prefs().setProperty(setting.toLatin1().constData(), before));
+        QTRY_COMPARE(edited->property("text").toString(), before);
+
+        typeInto(name.constData(), "7");
+        QTRY_COMPARE(prefs().property(setting.toLatin1().constData()).toString(), "7");
+        QTest::keyClick(window(), Qt::Key_Backspace);
+        QTRY_COMPARE(prefs().property(setting.toLatin1().constData()).toString(), QString());
+        QCOMPARE(edited->property("text").toString(), QString());
+        QCOMPARE(edited->property("placeholderText").toString(), before);
+
+        // Leaving the emptied field keeps it so; the next edit starts from what is stored then.
+        click(find(field == "workTimeField" ? "breakTimeField" : "workTimeField"));
+        QTRY_VERIFY(!edited->hasActiveFocus());
+        QCOMPARE(edited->property("placeholderText").toString(), before);
+        QVERIFY(prefs().setProperty(setting.toLatin1().constData(), before));
     }
 
     void customPromptSwitchShowsTheFieldWithTheStoredPromptAndHidingKeepsIt()

@@ -1,12 +1,13 @@
 #include "LogSetup.h"
 
+#include <QFile>
 #include <QStandardPaths>
-#include <QStringList>
 #include <filesystem>
-#include <memory>
+#include <string>
 #include <system_error>
 #include <unicode/locid.h>
 #include <unicode/smpdtfmt.h>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -35,6 +36,11 @@ QString format(std::time_t when, const icu::Locale& locale)
     return QString::fromStdString(utf8);
 }
 
+QString describe(const std::error_code& code, const fs::path& path)
+{
+    return QString::fromStdString(code.message()) + QStringLiteral(": ") + QFile::decodeName(path.c_str());
+}
+
 } // namespace
 
 QString dateString(std::time_t when, const char* localeName)
@@ -47,9 +53,27 @@ QString dateString(std::time_t when)
     return format(when, icu::Locale::getDefault());
 }
 
+namespace {
+std::time_t systemClock()
+{
+    return std::time(nullptr);
+}
+std::time_t (*clock)() = systemClock;
+} // namespace
+
+std::time_t now()
+{
+    return clock();
+}
+
+void setClock(std::time_t (*newClock)())
+{
+    clock = newClock ? newClock : systemClock;
+}
+
 QString todayString()
 {
-    return dateString(std::time(nullptr));
+    return dateString(now());
 }
 
 QString logFileName(const QString& identifier, const QString& date)
@@ -60,46 +84,60 @@ QString logFileName(const QString& identifier, const QString& date)
 bool prepareDirectory(const QString& directory, const QString& identifier, const QString& today,
                       QString* error)
 {
-    const fs::path root = fs::path(directory.toStdString());
-    std::error_code code;
-    if (!fs::exists(root, code)) {
-        // A new directory holds nothing to clean.
-        if (!fs::create_directories(root, code) && code) {
-            *error = QString::fromStdString(code.message()) + QStringLiteral(": ") + directory;
+    return prepareDirectory(directory, identifier, today, error, [](const QString& folder, QString* why) {
+        std::error_code code;
+        if (!fs::create_directories(fs::path(QFile::encodeName(folder).toStdString()), code) && code) {
+            *why = QString::fromStdString(code.message()) + QStringLiteral(": ") + folder;
             return false;
         }
         return true;
-    }
+    });
+}
+
+bool prepareDirectory(const QString& directory, const QString& identifier, const QString& today,
+                      QString* error, const MakeDirectory& makeDirectory)
+{
+    std::error_code code;
+    if (!fs::exists(fs::path(QFile::encodeName(directory).toStdString()), code))
+        return makeDirectory(directory, error); // a new directory holds nothing to clean
+
+    // Names are compared as the bytes on disk, so a name that is not UTF-8 matches as well.
+    std::string rootText = QFile::encodeName(directory).toStdString();
+    while (rootText.size() > 1 && rootText.ends_with('/'))
+        rootText.pop_back();
+    rootText += '/';
+    const fs::path root(rootText);
+    const std::string prefix = QFile::encodeName(identifier).toStdString();
+    const std::string day = QFile::encodeName(today).toStdString();
 
     // List first, then remove, so that removing a folder does not disturb the walk.
-    QStringList doomed;
+    std::vector<fs::path> doomed;
     fs::recursive_directory_iterator it(root, code);
     fs::path current = root; // the entry an error is about: the last one reached
     for (const fs::recursive_directory_iterator end; !code && it != end; it.increment(code)) {
         current = it->path();
-        // Without throwing: an entry that cannot be resolved (a symlink loop) is an error to
-        // report, not a reason to end the program.
-        const fs::path relativePath = fs::relative(it->path(), root, code);
-        if (code)
-            break;
-        const QString relative = QString::fromStdString(relativePath.generic_string());
-        if (relative.startsWith(identifier) && relative.endsWith(QStringLiteral(".log")) &&
-            !relative.contains(today))
-            doomed << relative;
+        const std::string relative = current.native().substr(rootText.size());
+        // The folder is shared with other programs, and only paths that begin with our
+        // identifier can ever match: no other folder is entered, so their link loops and locked
+        // folders cannot stop our logging. Links are not followed either.
+        if (!relative.starts_with(prefix)) {
+            it.disable_recursion_pending();
+            continue;
+        }
+        if (relative.ends_with(".log") && relative.find(day) == std::string::npos)
+            doomed.push_back(current);
     }
     if (code) {
-        *error = QString::fromStdString(code.message()) + QStringLiteral(": ") +
-                 QString::fromStdString(current.string());
+        *error = describe(code, current);
         return false;
     }
-    for (const QString& relative : doomed) {
-        const fs::path path = root / relative.toStdString();
-        if (!fs::exists(fs::symlink_status(path, code)))
+    for (const fs::path& path : doomed) {
+        std::error_code gone;
+        if (!fs::exists(fs::symlink_status(path, gone)))
             continue; // inside a folder removed a moment ago
         fs::remove_all(path, code);
         if (code) {
-            *error = QString::fromStdString(code.message()) + QStringLiteral(": ") +
-                     QString::fromStdString(path.string());
+            *error = describe(code, path);
             return false;
         }
     }

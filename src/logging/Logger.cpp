@@ -63,8 +63,16 @@ void Logger::critical(const QString& message, const LogMetadata& metadata, std::
     log(LogLevel::critical, message, metadata, location);
 }
 
+namespace {
+// The file the process logger opened: the run keeps writing it after midnight (it is never
+// rotated), so that is the file to hand on, not the one named by the new date.
+std::optional<QString> openedLogFile;
+} // namespace
+
 std::optional<QString> Logger::logfilePath()
 {
+    if (openedLogFile)
+        return openedLogFile;
     const QString directory = LogSetup::logDirectory();
     if (directory.isEmpty())
         return std::nullopt;
@@ -87,6 +95,7 @@ Logger makeProcessLogger()
         fileLogging = FileLogging::to(directory + LogSetup::logFileName(identifier, today), &error);
 
     if (fileLogging) {
+        openedLogFile = fileLogging->localFile();
         LoggingSystem::bootstrap([fileLogging = *fileLogging](const QString& label) {
             std::vector<std::unique_ptr<LogHandler>> handlers;
             handlers.push_back(fileLogging.handler(label));

@@ -36,7 +36,7 @@ public:
     void critical(const QString& message, const LogMetadata& metadata = {},
                   std::source_location location = std::source_location::current());
 
-    // Today's log file, the one the process-wide logger writes (and the feedback mail attaches).
+    // The log file the process logger opened (kept past midnight), else today's: the mail attaches it.
     static std::optional<QString> logfilePath();
 
 private:

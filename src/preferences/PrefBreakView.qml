@@ -18,14 +18,25 @@ Item {
     component RowLabel: Label {
         Layout.alignment: Qt.AlignRight | Qt.AlignVCenter
     }
-    // A field of one setting; its placeholder is the stored value.
+    // A field of one setting. Every keystroke is stored, so the placeholder keeps the value stored
+    // when the edit began: an emptied field still shows what it held before.
     component SettingField: TextField {
         required property PrefState store
         required property string setting
+        // Follows the store until the first edit; from then on taken afresh as each edit begins.
+        property string storedBeforeEdit: store[setting]
+        property bool editing: false
         Layout.preferredWidth: 100
         text: store[setting]
-        placeholderText: store[setting]
-        onTextEdited: store[setting] = text
+        placeholderText: storedBeforeEdit
+        onTextEdited: {
+            if (!editing) {
+                storedBeforeEdit = store[setting];
+                editing = true;
+            }
+            store[setting] = text;
+        }
+        onActiveFocusChanged: if (!activeFocus) editing = false
     }
     component SectionDivider: Item {
         Layout.fillWidth: true
@@ -109,14 +120,13 @@ Item {
                         checked: root.prefState.customBreakPrompt
                         onToggled: root.prefState.customBreakPrompt = checked
                     }
-                    TextField {
+                    SettingField {
+                        store: root.prefState
+                        setting: "breakPrompt"
                         objectName: "breakPromptField"
                         visible: root.prefState.customBreakPrompt
                         Layout.preferredWidth: 300
                         Layout.minimumWidth: 300
-                        text: root.prefState.breakPrompt
-                        placeholderText: root.prefState.breakPrompt
-                        onTextEdited: root.prefState.breakPrompt = text
                         onVisibleChanged: if (visible && !activeFocus) cursorPosition = 0
                         Accessible.name: qsTr("Short break prompt")
                     }
@@ -179,14 +189,13 @@ Item {
                         checked: root.prefState.customLongBreakPrompt
                         onToggled: root.prefState.customLongBreakPrompt = checked
                     }
-                    TextField {
+                    SettingField {
+                        store: root.prefState
+                        setting: "longBreakPrompt"
                         objectName: "longBreakPromptField"
                         visible: root.prefState.customLongBreakPrompt
                         Layout.preferredWidth: 300
                         Layout.minimumWidth: 300
-                        text: root.prefState.longBreakPrompt
-                        placeholderText: root.prefState.longBreakPrompt
-                        onTextEdited: root.prefState.longBreakPrompt = text
                         onVisibleChanged: if (visible && !activeFocus) cursorPosition = 0
                         Accessible.name: qsTr("Long break prompt")
                     }

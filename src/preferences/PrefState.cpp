@@ -63,9 +63,7 @@ void PrefState::setLaunchAtLogin(bool value)
 {
     write(launchAtLoginKey, value);
     emit launchAtLoginChanged();
-    QString error;
-    if (!LoginItem::setEnabled(value, &error))
-        qWarning("SMAppService error: ");
+    LoginItem::apply(value);
 }
 
 bool PrefState::showTime() const
