@@ -552,6 +552,26 @@ private slots:
         QCOMPARE(WindowController::displayIdentifier(QGuiApplication::screens().at(1)), "HDMI-1");
     }
 
+    void screensWithoutANameOrWithOneNameTwiceGetAWindowEach()
+    {
+        // Two screens without a name and two of one name, as some Wayland compositors have them.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LULLTIDE_TEST_KEEP_PLATFORM", "1");
+        environment.insert("QT_QPA_PLATFORM",
+                           "offscreen:configfile=" TESTS_SOURCE_DIR "/support/screens-unnamed.json");
+        const auto child = TestSupport::runChild("unnamed-screens", environment);
+        QVERIFY2(!child.crashed, qPrintable(child.standardError));
+        const QStringList expected{
+            "screen 0: window \"0\" shown, covering it",
+            "screen 1: window \"0 (2)\" shown, covering it",
+            "screen 2: window \"DP-1\" shown, covering it",
+            "screen 3: window \"DP-1 (2)\" shown, covering it",
+            "after the break: 4 windows, 0 shown",
+            "next break: 4 windows, 4 shown",
+        };
+        QCOMPARE(child.standardOutput.split('\n', Qt::SkipEmptyParts), expected);
+    }
+
     // Last: it leaves a window of no screen behind.
     void closingWithAScreenThatNeverShowedABreakCreatesItsWindowAndClosesIt()
     {
@@ -605,8 +625,40 @@ static void useTwoOffscreenScreens()
     qputenv("QT_QUICK_BACKEND", "software");
 }
 
+// What became of the break windows of the screens, one line each.
+static void tellBreakWindows(const QString& when)
+{
+    int windows = 0;
+    int shown = 0;
+    for (QWindow* window : QGuiApplication::allWindows()) {
+        if (window->objectName() == "breakWindow") {
+            ++windows;
+            shown += window->isVisible();
+        }
+    }
+    std::printf("%s: %d windows, %d shown\n", qPrintable(when), windows, shown);
+}
+
 static int childMain(const QByteArray& mode)
 {
+    if (mode == "unnamed-screens") {
+        WindowController::showBreak();
+        const QList<QScreen*> screens = QGuiApplication::screens();
+        for (int i = 0; i < screens.size(); ++i) {
+            for (QWindow* window : QGuiApplication::allWindows()) {
+                if (window->objectName() != "breakWindow" || window->screen() != screens.at(i))
+                    continue;
+                std::printf("screen %d: window \"%s\" %s, %s\n", i, qPrintable(window->title()),
+                            window->isVisible() ? "shown" : "hidden",
+                            window->geometry() == screens.at(i)->geometry() ? "covering it" : "elsewhere");
+            }
+        }
+        WindowController::closeBreak();
+        tellBreakWindows("after the break");
+        WindowController::showBreak();
+        tellBreakWindows("next break");
+        return 0;
+    }
     if (mode == "zero-rotation") {
         AppState::prefState().setShortBreakTimesString("0");
         AppState::promptState().showBreak();

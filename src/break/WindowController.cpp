@@ -127,6 +127,21 @@ bool isFractional(qreal ratio)
     return !qFuzzyCompare(ratio, qreal(qRound(ratio)));
 }
 
+// The title of the screen's break window: its display identifier, and from the second screen
+// of one identifier on (screens without a name, or two of one name, which some Wayland
+// compositors give) its place among them, so that every screen has a window of its own.
+QString windowTitle(const QScreen* screen)
+{
+    const QString displayId = displayIdentifier(screen);
+    int place = 1;
+    for (const QScreen* other : QGuiApplication::screens()) {
+        if (other == screen)
+            break;
+        place += displayIdentifier(other) == displayId;
+    }
+    return place == 1 ? displayId : QStringLiteral("%1 (%2)").arg(displayId).arg(place);
+}
+
 // The break window's frame on the screen. At a fractional scale the screen's size in logical
 // pixels is rounded, and a window of that size can end a device pixel short of the monitor's
 // edge; one logical pixel more always reaches it (the rest lies under the next screen's break
@@ -154,7 +169,7 @@ void fitToScreen(QQuickWindow* window, QScreen* screen)
 // a window without its view would cover the screen with no way out.
 QQuickWindow* window(QScreen* screen)
 {
-    const QString title = displayIdentifier(screen);
+    const QString title = windowTitle(screen);
     QQuickWindow* existing = findWindow(title);
     if (existing && hasView(existing))
         return existing;
@@ -332,7 +347,7 @@ bool showBreak()
         fade(w, 1.0);
     }
     // The primary screen's break window takes the keyboard focus.
-    if (QQuickWindow* primary = findWindow(displayIdentifier(QGuiApplication::primaryScreen()))) {
+    if (QQuickWindow* primary = findWindow(windowTitle(QGuiApplication::primaryScreen()))) {
         primary->raise();
         primary->requestActivate();
     }
@@ -346,7 +361,7 @@ void closeBreak()
     // Every screen has its break window from here on, shown or not (no view is made for
     // it: that waits for a break to show).
     for (QScreen* screen : QGuiApplication::screens()) {
-        const QString title = displayIdentifier(screen);
+        const QString title = windowTitle(screen);
         if (!findWindow(title))
             newBreakWindow(frameFor(screen), title, screen)->create();
     }
