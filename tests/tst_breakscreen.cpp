@@ -306,7 +306,9 @@ private slots:
 
         Program program;
         start(program, "work_time=0.02\nbreak_time=60\n", environment);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 20000);
+        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size() == 1,
+                                  qPrintable(program.logText() + program.process.readAllStandardError()),
+                                  20000);
         QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 5000);
         QCOMPARE(breakScreenFaultsAfterWaiting(10000), QString());
         if (dpi == 100) {
