@@ -128,6 +128,64 @@ private slots:
         QVERIFY(!(relaxation == struggle));
     }
 
+    void everySentenceOfBothStylesIsItsExactText_data()
+    {
+        QTest::addColumn<BreakStyle::Value>("style");
+        QTest::addColumn<int>("position");
+        QTest::addColumn<QString>("sentence");
+        QTest::newRow("relaxation 1")
+            << BreakStyle::relaxation << 0 << QStringLiteral("今天心情放假，工作也跟着轻松一下。");
+        QTest::newRow("relaxation 2")
+            << BreakStyle::relaxation << 1 << QStringLiteral("世界那么大，工作那么小，今天就随意点吧。");
+        QTest::newRow("relaxation 3")
+            << BreakStyle::relaxation << 2 << QStringLiteral("认真工作好累，今天就偷个懒吧。");
+        QTest::newRow("relaxation 4")
+            << BreakStyle::relaxation << 3 << QStringLiteral("认真工作是好事，但今天我选择开开小差。");
+        QTest::newRow("relaxation 5")
+            << BreakStyle::relaxation << 4 << QStringLiteral("今天我是自由自在的小懒猫，不想太认真。");
+        QTest::newRow("relaxation 6")
+            << BreakStyle::relaxation << 5 << QStringLiteral("工作再认真，也得给自己点轻松的时间。");
+        QTest::newRow("relaxation 7")
+            << BreakStyle::relaxation << 6 << QStringLiteral("慢慢来，工作不急，我要慢悠悠地躺着。");
+        QTest::newRow("relaxation 8")
+            << BreakStyle::relaxation << 7 << QStringLiteral("工作是认真的，但今天我选择放个假。");
+        QTest::newRow("relaxation 9")
+            << BreakStyle::relaxation << 8 << QStringLiteral("偷偷告诉你，今天的工作我只做了一半。");
+        QTest::newRow("relaxation 10")
+            << BreakStyle::relaxation << 9 << QStringLiteral("谁说工作要认真，今天我要放松一下。");
+        QTest::newRow("struggle 1") << BreakStyle::struggle << 0
+                                    << QStringLiteral("精益求精，全力以赴，无愧于自己的努力。");
+        QTest::newRow("struggle 2") << BreakStyle::struggle << 1
+                                    << QStringLiteral("一丝不苟，恪尽职守，全心全意投入工作。");
+        QTest::newRow("struggle 3") << BreakStyle::struggle << 2
+                                    << QStringLiteral("脚踏实地，认真钻研，每一份努力都值得尊重。");
+        QTest::newRow("struggle 4") << BreakStyle::struggle << 3
+                                    << QStringLiteral("敬业拼搏，兢兢业业，把每一天都当作展示实力的机会。");
+        QTest::newRow("struggle 5") << BreakStyle::struggle << 4
+                                    << QStringLiteral("不懈追求卓越，不间断进取，只有努力才能铸就成功。");
+        QTest::newRow("struggle 6") << BreakStyle::struggle << 5
+                                    << QStringLiteral("工作是责任，也是荣誉，全神贯注，全情投入。");
+        QTest::newRow("struggle 7") << BreakStyle::struggle << 6
+                                    << QStringLiteral("不计较付出，只追求结果，每一步都决定着未来的高度。");
+        QTest::newRow("struggle 8") << BreakStyle::struggle << 7
+                                    << QStringLiteral("刻苦努力，认真琢磨，精益求精才能走向巅峰。");
+        QTest::newRow("struggle 9") << BreakStyle::struggle << 8
+                                    << QStringLiteral("每一个细节都值得重视，每一份工作都值得认真对待。");
+        QTest::newRow("struggle 10") << BreakStyle::struggle << 9
+                                     << QStringLiteral(
+                                            "严谨治事，用心经营，工作中的每一份认真都是成功的基石。");
+    }
+
+    void everySentenceOfBothStylesIsItsExactText()
+    {
+        QFETCH(BreakStyle::Value, style);
+        QFETCH(int, position);
+        QFETCH(QString, sentence);
+        const QStringList prompts = BreakStyle(style).prompts();
+        QCOMPARE(prompts.size(), 10);
+        QCOMPARE(prompts.at(position), sentence);
+    }
+
     void freshInstallationUsesTheRelaxationList()
     {
         QCOMPARE(prefs().styleState()->breakStyle().value(), BreakStyle::relaxation);
@@ -494,6 +552,26 @@ private slots:
         QCOMPARE(WindowController::displayIdentifier(QGuiApplication::screens().at(1)), "HDMI-1");
     }
 
+    void screensWithoutANameOrWithOneNameTwiceGetAWindowEach()
+    {
+        // Two screens without a name and two of one name, as some Wayland compositors have them.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LULLTIDE_TEST_KEEP_PLATFORM", "1");
+        environment.insert("QT_QPA_PLATFORM",
+                           "offscreen:configfile=" TESTS_SOURCE_DIR "/support/screens-unnamed.json");
+        const auto child = TestSupport::runChild("unnamed-screens", environment);
+        QVERIFY2(!child.crashed, qPrintable(child.standardError));
+        const QStringList expected{
+            "screen 0: window \"0\" shown, covering it",
+            "screen 1: window \"0 (2)\" shown, covering it",
+            "screen 2: window \"DP-1\" shown, covering it",
+            "screen 3: window \"DP-1 (2)\" shown, covering it",
+            "after the break: 4 windows, 0 shown",
+            "next break: 4 windows, 4 shown",
+        };
+        QCOMPARE(child.standardOutput.split('\n', Qt::SkipEmptyParts), expected);
+    }
+
     // Last: it leaves a window of no screen behind.
     void closingWithAScreenThatNeverShowedABreakCreatesItsWindowAndClosesIt()
     {
@@ -547,8 +625,40 @@ static void useTwoOffscreenScreens()
     qputenv("QT_QUICK_BACKEND", "software");
 }
 
+// What became of the break windows of the screens, one line each.
+static void tellBreakWindows(const QString& when)
+{
+    int windows = 0;
+    int shown = 0;
+    for (QWindow* window : QGuiApplication::allWindows()) {
+        if (window->objectName() == "breakWindow") {
+            ++windows;
+            shown += window->isVisible();
+        }
+    }
+    std::printf("%s: %d windows, %d shown\n", qPrintable(when), windows, shown);
+}
+
 static int childMain(const QByteArray& mode)
 {
+    if (mode == "unnamed-screens") {
+        WindowController::showBreak();
+        const QList<QScreen*> screens = QGuiApplication::screens();
+        for (int i = 0; i < screens.size(); ++i) {
+            for (QWindow* window : QGuiApplication::allWindows()) {
+                if (window->objectName() != "breakWindow" || window->screen() != screens.at(i))
+                    continue;
+                std::printf("screen %d: window \"%s\" %s, %s\n", i, qPrintable(window->title()),
+                            window->isVisible() ? "shown" : "hidden",
+                            window->geometry() == screens.at(i)->geometry() ? "covering it" : "elsewhere");
+            }
+        }
+        WindowController::closeBreak();
+        tellBreakWindows("after the break");
+        WindowController::showBreak();
+        tellBreakWindows("next break");
+        return 0;
+    }
     if (mode == "zero-rotation") {
         AppState::prefState().setShortBreakTimesString("0");
         AppState::promptState().showBreak();

@@ -1,9 +1,11 @@
 #include "support/TestMain.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <unistd.h>
 
@@ -56,6 +58,152 @@ class BreakScreenTest : public QObject {
         return QRect(values["X"], values["Y"], values["WIDTH"], values["HEIGHT"]);
     }
 
+    // Tells Qt programs started from now on the desktop's font resolution, as desktops do.
+    void setDesktopDpi(int dpi)
+    {
+        const QString resources = scratch.filePath("resources");
+        QFile file(resources);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("Xft.dpi: " + QByteArray::number(dpi) + "\n");
+        file.close();
+        run("xrdb", {"-nocpp", "-global", "-load", resources});
+        QCOMPARE(run("xrdb", {"-query"}), "Xft.dpi:\t" + QString::number(dpi));
+    }
+
+    QImage screenshot()
+    {
+        const QString file = scratch.filePath("root.png");
+        QFile::remove(file);
+        run("import", {"-window", "root", file});
+        return QImage(file).convertToFormat(QImage::Format_RGB32);
+    }
+
+    // What the break screen leaves undone on one monitor, in words; empty when it covers every
+    // pixel and shows the Skip capsule whole. The root window is magenta, the break's
+    // background white (the light scheme).
+    static QString breakScreenFaults(const QImage& shot, const QRect& monitor)
+    {
+        QStringList faults;
+        int uncovered = 0;
+        int edgesNotWhite = 0;
+        const QRect inner = monitor.adjusted(3, 3, -3, -3);
+        // Skip's blue over white, anti-aliased edges included: g follows r along the blend.
+        const auto isCapsule = [](QRgb pixel) {
+            return qBlue(pixel) >= 240 && qRed(pixel) <= 200 &&
+                   std::abs(qGreen(pixel) - (122 + 0.5216 * qRed(pixel))) <= 12;
+        };
+        QMap<int, QList<int>> capsuleRows; // row → the capsule's pixels in it
+        for (int y = monitor.top(); y <= monitor.bottom(); ++y) {
+            const auto* line = reinterpret_cast<const QRgb*>(shot.constScanLine(y));
+            for (int x = monitor.left(); x <= monitor.right(); ++x) {
+                const QRgb pixel = line[x] & 0xFFFFFF;
+                uncovered += pixel == 0xFF00FF;
+                edgesNotWhite += !inner.contains(x, y) && pixel != 0xFFFFFF;
+                if (isCapsule(pixel))
+                    capsuleRows[y] << x;
+            }
+        }
+        if (uncovered)
+            faults << QString("%1 pixels of the desktop show").arg(uncovered);
+        if (edgesNotWhite)
+            faults << QString("%1 pixels along the edges are not the break's white").arg(edgesNotWhite);
+
+        // The capsule is the run of rows with the most of its pixels (the countdown's
+        // anti-aliasing can stray into the blue).
+        QList<int> best;
+        QList<int> current;
+        const auto pixelsIn = [&](const QList<int>& rows) {
+            int count = 0;
+            for (int row : rows)
+                count += capsuleRows[row].size();
+            return count;
+        };
+        for (int row : capsuleRows.keys()) {
+            if (!current.isEmpty() && row != current.last() + 1)
+                current.clear();
+            current << row;
+            if (pixelsIn(current) > pixelsIn(best))
+                best = current;
+        }
+        if (best.size() < 16) {
+            faults << "no Skip capsule";
+        } else {
+            // Whole, its top and bottom rows end in the faint pixels of its rounded ends; a
+            // capsule cut off ends in a hard edge of full blue.
+            for (int row : {best.first(), best.last()}) {
+                const QList<int>& xs = capsuleRows[row];
+                const auto [left, right] = std::minmax_element(xs.begin(), xs.end());
+                const QRgb leftPixel = shot.pixel(*left, row);
+                const QRgb rightPixel = shot.pixel(*right, row);
+                if (qRed(leftPixel) < 40 || qRed(rightPixel) < 40)
+                    faults << QString("the Skip capsule is cut off at row %1 (%2 to %3)")
+                                  .arg(row)
+                                  .arg(*left)
+                                  .arg(*right);
+            }
+        }
+        return faults.join("; ");
+    }
+
+    // The break screen of both monitors, or what it leaves undone.
+    QString breakScreenFaults()
+    {
+        const QImage shot = screenshot();
+        if (shot.isNull())
+            return "no screenshot";
+        QStringList faults;
+        const QMap<QString, QRect> frames = monitors();
+        for (auto monitor = frames.begin(); monitor != frames.end(); ++monitor) {
+            const QString fault = breakScreenFaults(shot, monitor.value());
+            if (!fault.isEmpty())
+                faults << monitor.key() + ": " + fault;
+        }
+        return faults.join("\n");
+    }
+
+    // Looks again until the break screen is whole or the time is up (QTRY would count only its
+    // pauses, not the screenshots between them). The faults last seen, empty when whole.
+    QString breakScreenFaultsAfterWaiting(int milliseconds)
+    {
+        const QDeadlineTimer deadline(milliseconds);
+        QString faults = breakScreenFaults();
+        while (!faults.isEmpty() && !deadline.hasExpired()) {
+            QTest::qWait(200);
+            faults = breakScreenFaults();
+        }
+        return faults;
+    }
+
+    // Unplugs the monitor right of the primary one and plugs in one of the given size.
+    void plugInExtraMonitor(QSize size)
+    {
+        run("xrandr", {"--delmonitor", "EXTRA1"});
+        run("xrandr", {"--fb", QString("%1x%2").arg(1280 + size.width()).arg(qMax(800, size.height()))});
+        // Width/millimetres x height/millimetres + x + y, at 96 dpi.
+        run("xrandr", {"--setmonitor", "EXTRA1",
+                       QString("%1/%2x%3/%4+1280+0")
+                           .arg(size.width())
+                           .arg(qRound(size.width() * 25.4 / 96))
+                           .arg(size.height())
+                           .arg(qRound(size.height() * 25.4 / 96)),
+                       "none"});
+    }
+
+    // The monitors as the X server has them, by name, in device pixels.
+    QMap<QString, QRect> monitors()
+    {
+        // " 1: EXTRA1 1024/271x768/203+1280+0  none"
+        static const QRegularExpression line(R"(^\s*\d+: [+*]*(\S+) (\d+)/\d+x(\d+)/\d+\+(\d+)\+(\d+))");
+        QMap<QString, QRect> frames;
+        for (const QString& text : run("xrandr", {"--listmonitors"}).split('\n')) {
+            const QRegularExpressionMatch match = line.match(text);
+            if (match.hasMatch())
+                frames.insert(match.captured(1), QRect(match.captured(4).toInt(), match.captured(5).toInt(),
+                                                       match.captured(2).toInt(), match.captured(3).toInt()));
+        }
+        return frames;
+    }
+
     struct Program {
         QTemporaryDir home;
         QProcess process;
@@ -70,19 +218,25 @@ class BreakScreenTest : public QObject {
         ~Program()
         {
             process.terminate();
-            process.waitForFinished(5000);
+            // One still ending would meet the next test's program and take it for a second start.
+            if (!process.waitForFinished(5000)) {
+                process.kill();
+                process.waitForFinished(5000);
+            }
         }
     };
 
-    void start(Program& program, const QByteArray& settings)
+    void start(Program& program, const QByteArray& settings,
+               const QProcessEnvironment& extra = QProcessEnvironment())
     {
         QDir().mkpath(program.home.path() + "/.config/lulltide");
         QFile conf(program.home.path() + "/.config/lulltide/lulltide.conf");
         QVERIFY(conf.open(QIODevice::WriteOnly));
         conf.write("[General]\n" + settings);
         conf.close();
-        program.process.setProcessEnvironment(
-            onDisplay(TestSupport::environmentWithHome(program.home.path())));
+        QProcessEnvironment environment = onDisplay(TestSupport::environmentWithHome(program.home.path()));
+        environment.insert(extra);
+        program.process.setProcessEnvironment(environment);
         program.process.start(LULLTIDE_BINARY, {});
         QVERIFY(program.process.waitForStarted());
     }
@@ -119,6 +273,83 @@ private slots:
     {
         xserver.terminate();
         xserver.waitForFinished(5000);
+    }
+
+    // Desktops scale Qt programs by their font resolution (Xft.dpi / 96) or by Qt's own factor;
+    // at a fraction the break must still reach the last row and column of every monitor.
+    void breakCoversEveryPixelOfEveryMonitorAtEveryScale_data()
+    {
+        QTest::addColumn<int>("dpi");
+        QTest::addColumn<QString>("scaleFactor");
+        QTest::newRow("96 dpi") << 96 << QString();
+        QTest::newRow("100 dpi") << 100 << QString();
+        QTest::newRow("120 dpi") << 120 << QString();
+        QTest::newRow("144 dpi") << 144 << QString();
+        QTest::newRow("168 dpi") << 168 << QString();
+        QTest::newRow("scale 1.25") << 96 << "1.25";
+        QTest::newRow("scale 1.5") << 96 << "1.5";
+    }
+
+    void breakCoversEveryPixelOfEveryMonitorAtEveryScale()
+    {
+        QFETCH(int, dpi);
+        QFETCH(QString, scaleFactor);
+        setDesktopDpi(dpi);
+        const auto noResources = qScopeGuard([this] { run("xrdb", {"-global", "-remove"}); });
+        run("xsetroot", {"-solid", "magenta"});
+        // A width that no scale here divides evenly.
+        plugInExtraMonitor(QSize(1366, 768));
+        const auto restore = qScopeGuard([this] { plugInExtraMonitor(QSize(1024, 768)); });
+        QProcessEnvironment environment;
+        if (!scaleFactor.isEmpty())
+            environment.insert("QT_SCALE_FACTOR", scaleFactor);
+
+        Program program;
+        start(program, "work_time=0.02\nbreak_time=60\n", environment);
+        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size() == 1,
+                                  qPrintable(program.logText() + program.process.readAllStandardError()),
+                                  20000);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 5000);
+        QCOMPARE(breakScreenFaultsAfterWaiting(10000), QString());
+        if (dpi == 100) {
+            // Kept in the build folder for a person to look at.
+            QFile::remove("breakscreen-100dpi.png");
+            QFile::copy(scratch.filePath("root.png"), "breakscreen-100dpi.png");
+        }
+    }
+
+    // The window of a monitor that comes back at another size must grow with it.
+    void breakWindowOfAMonitorPluggedBackLargerCoversItWhole()
+    {
+        run("xsetroot", {"-solid", "magenta"});
+        Program program;
+        start(program, "work_time=0.02\nbreak_time=60\n");
+        int exitCode = 1;
+        const auto control = [&](const QString& option) {
+            QProcess client;
+            client.setProcessEnvironment(onDisplay(TestSupport::environmentWithHome(program.home.path())));
+            client.start(LULLTIDE_BINARY, {option});
+            client.waitForFinished(10000);
+            exitCode = client.exitCode();
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 10000);
+        control("--skip");
+        QCOMPARE(exitCode, 0);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 0, 10000);
+        control("--pause");
+        QCOMPARE(exitCode, 0);
+
+        const auto restore = qScopeGuard([this] { plugInExtraMonitor(QSize(1024, 768)); });
+        plugInExtraMonitor(QSize(1920, 1080));
+        QCOMPARE(monitors().value("EXTRA1"), QRect(1280, 0, 1920, 1080));
+
+        control("--resume");
+        QCOMPARE(exitCode, 0);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 10000);
+        QCOMPARE(windowsNamed("EXTRA1", false).size(), 1); // the same window, reused
+        QTRY_COMPARE_WITH_TIMEOUT(geometryOf(windowsNamed("EXTRA1", true).first()),
+                                  QRect(1280, 0, 1920, 1080), 3000);
+        QCOMPARE(breakScreenFaultsAfterWaiting(10000), QString());
     }
 
     void twoMonitorsGetOneBreakWindowEachCoveringTheWholeMonitor()

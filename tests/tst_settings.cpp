@@ -2,6 +2,7 @@
 #include "support/TestMain.h"
 
 #include "app/AppState.h"
+#include "app/QmlEngine.h"
 #include "break/BreakStyle.h"
 #include "break/IconFont.h"
 #include "break/PrefStyleState.h"
@@ -239,6 +240,51 @@ private slots:
             prefs().styleState()->setBreakStyleRawValue(style);
             QTRY_COMPARE(listedPrompts(), prefs().styleState()->prompts());
         }
+    }
+
+    void eachStyleListsTenDistinctSentences()
+    {
+        openTab("styleTab");
+        for (int style : {0, 1}) {
+            prefs().styleState()->setBreakStyleRawValue(style);
+            const QStringList sentences = prefs().styleState()->prompts();
+            QCOMPARE(QSet<QString>(sentences.begin(), sentences.end()).size(), 10);
+            // Each sentence is its own row: none shares another's place in the list.
+            QTRY_COMPARE(listedPrompts(), sentences);
+        }
+    }
+
+    void aPromptWithBackslashNIsListedAsStored()
+    {
+        // The Style pane on a list of our own, in a window of its own.
+        QQuickWindow paneWindow;
+        paneWindow.resize(560, 500);
+        auto* pane = qobject_cast<QQuickItem*>(
+            QmlEngine::create("PrefStyleView", {{"styleState", QVariant::fromValue(prefs().styleState())}}));
+        QVERIFY(pane);
+        pane->setParent(&paneWindow);
+        pane->setParentItem(paneWindow.contentItem());
+        pane->setSize(paneWindow.size());
+        QQuickItem* list = TestSupport::findItem(pane, "promptList");
+        QVERIFY(list);
+        const QStringList custom{"first line\\nsecond line", "one line"};
+        list->setProperty("model", custom);
+        paneWindow.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&paneWindow));
+
+        const auto listedRows = [list] {
+            QList<QQuickItem*> rows;
+            findAllIn(list, "promptText", rows);
+            std::sort(rows.begin(), rows.end(), [](QQuickItem* a, QQuickItem* b) {
+                return a->mapToScene({0, 0}).y() < b->mapToScene({0, 0}).y();
+            });
+            return rows;
+        };
+        QTRY_COMPARE(listedRows().size(), 2);
+        const QList<QQuickItem*> rows = listedRows();
+        QCOMPARE(rows.at(0)->property("text").toString(), "first line\\nsecond line");
+        QCOMPARE(rows.at(0)->property("lineCount").toInt(), 1);
+        QCOMPARE(rows.at(1)->property("text").toString(), "one line");
     }
 
     void emptyingTheWorkFieldStoresNothingAndTheNextPeriodLasts1500Seconds()

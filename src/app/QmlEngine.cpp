@@ -4,30 +4,60 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QOpenGLContext>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
+#include <QScreen>
 
 #include <malloc.h>
 
 namespace QmlEngine {
 
 namespace {
+
 QQmlEngine* made = nullptr;
+
+bool anyScreenScaledByAFraction()
+{
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const qreal ratio = screen->devicePixelRatio();
+        if (!qFuzzyCompare(ratio, qreal(qRound(ratio))))
+            return true;
+    }
+    return false;
 }
+
+bool openGLWorks()
+{
+    QOpenGLContext context;
+    return context.create();
+}
+
+} // namespace
 
 void chooseRenderer()
 {
     // Our views are text and flat shapes: Qt Quick's software renderer draws them without
     // an OpenGL context per monitor, and puts the first break screen up several times
-    // sooner (see bench/break-latency). QT_QUICK_BACKEND still chooses another.
+    // sooner (see bench/break-latency). But at a fractional scale (Xft.dpi 100, 120, 144…,
+    // QT_SCALE_FACTOR 1.25) it paints whole logical pixels only: the last row and column of
+    // device pixels stay unpainted and a moving item leaves a stale row behind. There Qt
+    // Quick's OpenGL renderer draws every pixel, when OpenGL works at all.
+    // QT_QUICK_BACKEND still chooses another.
     static bool chosen = false;
     if (chosen)
         return;
     chosen = true;
-    if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
-        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    if (!qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
+        return;
+    if (anyScreenScaledByAFraction()) {
+        if (openGLWorks())
+            return;
+        logger().warning(QStringLiteral("no OpenGL: windows are drawn in software, in whole logical pixels"));
+    }
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
 }
 
 QQmlEngine& engine()

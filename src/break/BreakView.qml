@@ -23,6 +23,15 @@ Rectangle {
         id: palette
     }
 
+    // At a fractional scale the window can reach a part of a device pixel beyond its size in
+    // logical pixels: the background goes on under that last row and column.
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: -1
+        z: -1
+        color: root.color
+    }
+
     // The end of the break countdown ends the break just as Skip does.
     Connections {
         target: root.breakState

@@ -97,7 +97,7 @@ QQuickItem* makeBreakView()
     return item;
 }
 
-QQuickWindow* newBreakWindow(const QRect& frame, const QString& displayId, QScreen* screen)
+QQuickWindow* newBreakWindow(const QRect& frame, const QString& title, QScreen* screen)
 {
     QmlEngine::chooseRenderer();
     auto* window = new QQuickWindow;
@@ -111,7 +111,7 @@ QQuickWindow* newBreakWindow(const QRect& frame, const QString& displayId, QScre
         window->setFormat(format);
         window->setColor(Qt::transparent);
     }
-    window->setTitle(displayId);
+    window->setTitle(title);
     window->setScreen(screen);
     window->setGeometry(frame);
     return window;
@@ -122,27 +122,70 @@ bool hasView(const QQuickWindow* window)
     return !window->contentItem()->childItems().isEmpty();
 }
 
+bool isFractional(qreal ratio)
+{
+    return !qFuzzyCompare(ratio, qreal(qRound(ratio)));
+}
+
+// The title of the screen's break window: its display identifier, and from the second screen
+// of one identifier on (screens without a name, or two of one name, which some Wayland
+// compositors give) its place among them, so that every screen has a window of its own.
+QString windowTitle(const QScreen* screen)
+{
+    const QString displayId = displayIdentifier(screen);
+    int place = 1;
+    for (const QScreen* other : QGuiApplication::screens()) {
+        if (other == screen)
+            break;
+        place += displayIdentifier(other) == displayId;
+    }
+    return place == 1 ? displayId : QStringLiteral("%1 (%2)").arg(displayId).arg(place);
+}
+
+// The break window's frame on the screen. At a fractional scale the screen's size in logical
+// pixels is rounded, and a window of that size can end a device pixel short of the monitor's
+// edge; one logical pixel more always reaches it (the rest lies under the next screen's break
+// window or off the desktop). Window managers fit full-screen windows to the monitor anyway.
+QRect frameFor(const QScreen* screen)
+{
+    QRect frame = screen->geometry();
+    if (isFractional(screen->devicePixelRatio()))
+        frame.adjust(0, 0, 1, 1);
+    return frame;
+}
+
+// A window found again by its title may stem from before the screen changed (another size,
+// unplugged and plugged back): it follows the screen as it is now.
+void fitToScreen(QQuickWindow* window, QScreen* screen)
+{
+    if (window->screen() != screen)
+        window->setScreen(screen);
+    const QRect frame = frameFor(screen);
+    if (window->geometry() != frame)
+        window->setGeometry(frame);
+}
+
 // The screen's break window with its view, made as needed; null when the view cannot be made:
 // a window without its view would cover the screen with no way out.
 QQuickWindow* window(QScreen* screen)
 {
-    const QString displayId = displayIdentifier(screen);
-    QQuickWindow* existing = findWindow(displayId);
+    const QString title = windowTitle(screen);
+    QQuickWindow* existing = findWindow(title);
     if (existing && hasView(existing))
         return existing;
     // The view first: making the engine chooses the renderer the window will use.
     QQuickItem* item = makeBreakView();
     if (!item)
         return nullptr;
-    QQuickWindow* window = existing ? existing : newBreakWindow(screen->geometry(), displayId, screen);
+    QQuickWindow* window = existing ? existing : newBreakWindow(frameFor(screen), title, screen);
     item->setParent(window);
     item->setParentItem(window->contentItem());
     return window;
 }
 
 // Hands back the window's full-screen buffer once the break is over: 8 MB per 1080p screen,
-// which Qt keeps for the window's lifetime. The window and its view stay, hidden, so the next break finds them by title (making the view
-// anew at every break cost more time than the memory it held was worth).
+// which Qt keeps for the window's lifetime. The window and its view stay, hidden, so the next break finds
+// them by title (making the view anew at every break cost more time than the memory it held was worth).
 void release(QQuickWindow* window)
 {
     if (!hasView(window))
@@ -156,8 +199,11 @@ void release(QQuickWindow* window)
         return;
     const QRect frame = window->geometry();
     window->destroy();
-    window->resize(1, 1);
-    window->grabWindow();
+    // OpenGL's buffers go with the native window; the software renderer's stay with the window.
+    if (QQuickWindow::graphicsApi() == QSGRendererInterface::Software) {
+        window->resize(1, 1);
+        window->grabWindow();
+    }
     // The native window comes back now, not at the next break, so that the window stays in
     // the window manager's and the tools' lists as a closed break window.
     window->create();
@@ -291,6 +337,7 @@ bool showBreak()
                 made->hide();
             return false;
         }
+        fitToScreen(w, screen);
         windows << w;
     }
     breakShown = true;
@@ -300,7 +347,7 @@ bool showBreak()
         fade(w, 1.0);
     }
     // The primary screen's break window takes the keyboard focus.
-    if (QQuickWindow* primary = findWindow(displayIdentifier(QGuiApplication::primaryScreen()))) {
+    if (QQuickWindow* primary = findWindow(windowTitle(QGuiApplication::primaryScreen()))) {
         primary->raise();
         primary->requestActivate();
     }
@@ -314,9 +361,9 @@ void closeBreak()
     // Every screen has its break window from here on, shown or not (no view is made for
     // it: that waits for a break to show).
     for (QScreen* screen : QGuiApplication::screens()) {
-        const QString displayId = displayIdentifier(screen);
-        if (!findWindow(displayId))
-            newBreakWindow(screen->geometry(), displayId, screen)->create();
+        const QString title = windowTitle(screen);
+        if (!findWindow(title))
+            newBreakWindow(frameFor(screen), title, screen)->create();
     }
     // Every break window goes, the one of a screen unplugged during the break too (Qt moved it
     // to another screen, where it must not outlast the break). Closed at once: the break is

@@ -39,7 +39,8 @@ void showUpdater();
 // Shows the About dialog, in front of other windows.
 void showAbout();
 
-// The screen's identifier, which is also the title of its break window: its name, "0" when empty.
+// The screen's identifier, which is also the title of its break window: its name, "0" when
+// empty. (When two screens share one, the title of the second adds its place: "0 (2)".)
 QString displayIdentifier(const QScreen* screen);
 
 } // namespace WindowController
