@@ -1,11 +1,11 @@
 #include "StatusItemExporter.h"
 
 #include "DBusMenu.h"
+#include "PanelAbsenceNotice.h"
 #include "StatusItem.h"
 #include "StatusNotifierItem.h"
 #include "StatusPopupMenu.h"
 #include "TrayIcon.h"
-#include "logging/Logger.h"
 
 #include <QCursor>
 #include <QPointer>
@@ -25,7 +25,7 @@ QPointer<TrayIcon> trayIcon;
 
 void showTrayIcon(StatusItem& item, const QString& why)
 {
-    logger().info(why + QStringLiteral(": the panel shows a tray icon without the countdown"));
+    PanelAbsenceNotice::noStatusNotifierPanel(why);
     trayIcon = new TrayIcon(item, popupMenu(item), &item);
 }
 
@@ -55,7 +55,10 @@ void start(StatusItem& item)
                          popupMenu(item)->popup(position.isNull() ? QCursor::pos() : position);
                      });
     // A panel that comes later takes the item over from the tray icon.
-    QObject::connect(notifierItem, &StatusNotifierItem::registered, &item, [] { delete trayIcon; });
+    QObject::connect(notifierItem, &StatusNotifierItem::registered, &item, [] {
+        delete trayIcon;
+        PanelAbsenceNotice::panelFound();
+    });
     if (!notifierItem->hasWatcher())
         showTrayIcon(item, QStringLiteral("no StatusNotifierWatcher on the session bus"));
 }

@@ -1,0 +1,125 @@
+#include "PanelAbsenceNotice.h"
+
+#include "AppInfo.h"
+#include "DesktopNotifications.h"
+#include "app/AppControl.h"
+#include "app/AppState.h"
+#include "logging/Logger.h"
+#include "preferences/PrefState.h"
+#include "timer/TicktackState.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QLocale>
+#include <QSystemTrayIcon>
+
+namespace PanelAbsenceNotice {
+namespace {
+
+const QString settingsAction = QStringLiteral("settings");
+
+DesktopNotifications* notifications = nullptr;
+bool sending = false;
+bool failureLogged = false;
+quint32 shownId = 0;
+
+// The clock time the running work countdown ends at; empty when none runs.
+QString nextBreakTime()
+{
+    const TicktackState& work = AppState::workState();
+    if (AppState::manualPause() || work.timesUp())
+        return {};
+    // "25:00", or "0100:00" past an hour.
+    const QString text = work.timeString();
+    const qsizetype colon = text.lastIndexOf(u':');
+    bool minutesOk = false;
+    bool secondsOk = false;
+    const qint64 minutes = text.left(colon).toLongLong(&minutesOk);
+    const qint64 seconds = text.mid(colon + 1).toLongLong(&secondsOk);
+    if (colon < 0 || !minutesOk || !secondsOk || minutes < 0 || minutes > 100000)
+        return {};
+    const QDateTime end = QDateTime::currentDateTime().addSecs(minutes * 60 + seconds);
+    return QLocale().toString(end.time(), QLocale::ShortFormat);
+}
+
+DesktopNotifications::Notification notice()
+{
+    DesktopNotifications::Notification notification;
+    notification.iconName = AppInfo::identifier();
+    notification.summary = QCoreApplication::translate("PanelAbsenceNotice", "Lulltide is running");
+    const QString time = nextBreakTime();
+    if (!time.isEmpty())
+        notification.body =
+            QCoreApplication::translate("PanelAbsenceNotice", "The next break comes at %1.").arg(time) +
+            u'\n';
+    notification.body += QCoreApplication::translate(
+        "PanelAbsenceNotice",
+        "No panel on this desktop can show Lulltide. Open Lulltide from the application menu to "
+        "reach its settings. On GNOME, the \"AppIndicator and KStatusNotifierItem Support\" "
+        "extension shows its countdown in the top bar.");
+    notification.actions = {settingsAction, QCoreApplication::translate("PanelAbsenceNotice", "Settings")};
+    return notification;
+}
+
+void makeNotifications()
+{
+    notifications = new DesktopNotifications(qApp);
+    QObject::connect(notifications, &DesktopNotifications::sent, [](quint32 id) {
+        sending = false;
+        shownId = id;
+        AppState::prefState().setToldNoPanel(true);
+        logger().info(QStringLiteral("a desktop notification told where Lulltide is"));
+    });
+    QObject::connect(notifications, &DesktopNotifications::failed, [](const QString& why) {
+        sending = false;
+        if (failureLogged)
+            return;
+        failureLogged = true;
+        logger().warning(QStringLiteral("no desktop notification can tell where Lulltide is: ") + why);
+    });
+    QObject::connect(notifications, &DesktopNotifications::actionInvoked,
+                     [](quint32, const QString& actionKey) {
+                         // A click on the notice itself asks for the same as its button.
+                         if (actionKey == settingsAction || actionKey == QLatin1String("default"))
+                             AppControl::showSettings();
+                     });
+    QObject::connect(notifications, &DesktopNotifications::closed, [](quint32 id) {
+        if (id == shownId)
+            shownId = 0;
+    });
+}
+
+void tell()
+{
+    if (sending || AppState::prefState().toldNoPanel())
+        return;
+    if (!notifications)
+        makeNotifications();
+    sending = true;
+    notifications->notify(notice());
+}
+
+} // namespace
+
+void noStatusNotifierPanel(const QString& why)
+{
+    if (QSystemTrayIcon::isSystemTrayAvailable()) {
+        logger().info(why + QStringLiteral(": the panel shows a tray icon without the countdown"));
+        panelFound();
+        return;
+    }
+    logger().info(why + QStringLiteral(" and no system tray: nothing in the panel shows Lulltide"));
+    tell();
+}
+
+void panelFound()
+{
+    if (AppState::prefState().toldNoPanel())
+        AppState::prefState().setToldNoPanel(false);
+    if (notifications && shownId != 0) {
+        notifications->close(shownId);
+        shownId = 0;
+    }
+}
+
+} // namespace PanelAbsenceNotice
