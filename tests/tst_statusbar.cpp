@@ -873,7 +873,7 @@ private slots:
         QCOMPARE(notice.appName, "Lulltide");
         QCOMPARE(notice.replacesId, 0u);
         QCOMPARE(notice.summary, "Lulltide is running");
-        QVERIFY2(notice.body.contains(QRegularExpression("^The next break comes at \\d{1,2}:\\d\\d")),
+        QVERIFY2(notice.body.contains(QRegularExpression("^The next break comes at \\d{1,2}:\\d\\d\\.\n")),
                  qPrintable(notice.body));
         QVERIFY(notice.body.contains("application menu"));
         QVERIFY(notice.body.contains("\"AppIndicator and KStatusNotifierItem Support\""));

@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QSystemTrayIcon>
 
 namespace PanelAbsenceNotice {
@@ -39,7 +40,10 @@ QString nextBreakTime()
     if (colon < 0 || !minutesOk || !secondsOk || minutes < 0 || minutes > 100000)
         return {};
     const QDateTime end = QDateTime::currentDateTime().addSecs(minutes * 60 + seconds);
-    return QLocale().toString(end.time(), QLocale::ShortFormat);
+    // To the minute: some locales' short format carries seconds, which only look precise.
+    QString format = QLocale().timeFormat(QLocale::ShortFormat);
+    format.remove(QRegularExpression(QStringLiteral("[:.]ss?")));
+    return QLocale().toString(end.time(), format);
 }
 
 DesktopNotifications::Notification notice()
