@@ -13,13 +13,18 @@
 #include <QLocale>
 #include <QRegularExpression>
 #include <QSystemTrayIcon>
+#include <QTimer>
 
 namespace PanelAbsenceNotice {
 namespace {
 
 const QString settingsAction = QStringLiteral("settings");
+// At login we may start a few seconds before the panel does; it gets that long to take the item
+// before we tell anyone that nothing shows it.
+constexpr int graceMs = 10000;
 
 DesktopNotifications* notifications = nullptr;
+QTimer* graceTimer = nullptr;
 bool sending = false;
 bool failureLogged = false;
 quint32 shownId = 0;
@@ -97,6 +102,11 @@ void tell()
 {
     if (sending || AppState::prefState().toldNoPanel())
         return;
+    // An XEmbed tray that came meanwhile already holds the item.
+    if (QSystemTrayIcon::isSystemTrayAvailable()) {
+        panelFound();
+        return;
+    }
     if (!notifications)
         makeNotifications();
     sending = true;
@@ -113,11 +123,23 @@ void noStatusNotifierPanel(const QString& why)
         return;
     }
     logger().info(why + QStringLiteral(" and no system tray: nothing in the panel shows Lulltide"));
-    tell();
+    if (AppState::prefState().toldNoPanel())
+        return;
+    if (!graceTimer) {
+        graceTimer = new QTimer(qApp);
+        graceTimer->setSingleShot(true);
+        graceTimer->setInterval(graceMs);
+        QObject::connect(graceTimer, &QTimer::timeout, tell);
+    }
+    graceTimer->start();
 }
 
 void panelFound()
 {
+    if (graceTimer && graceTimer->isActive()) {
+        graceTimer->stop();
+        logger().info(QStringLiteral("a panel took the item in time: no notice needed"));
+    }
     if (AppState::prefState().toldNoPanel())
         AppState::prefState().setToldNoPanel(false);
     if (notifications && shownId != 0) {

@@ -7,7 +7,8 @@
 namespace PanelAbsenceNotice {
 
 // The item is not in a panel of StatusNotifierItems (`why`); logs what shows it instead and,
-// when not even a system tray exists, sends the notice unless it was sent before.
+// when not even a system tray exists, sends the notice unless it was sent before. The notice
+// waits a few seconds for a panel that starts after us.
 void noStatusNotifierPanel(const QString& why);
 
 // A panel shows the item: a later loss of every panel is told again, and a notice still on the
