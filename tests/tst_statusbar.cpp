@@ -1,4 +1,5 @@
 #include "support/ManualTickSource.h"
+#include "support/StandInNotificationServer.h"
 #include "support/StandInWatcher.h"
 #include "support/TestMain.h"
 
@@ -8,6 +9,7 @@
 #include "break/WindowController.h"
 #include "logging/Logger.h"
 #include "preferences/PrefState.h"
+#include "preferences/SettingsStore.h"
 #include "statusbar/AboutDialog.h"
 #include "statusbar/AppInfo.h"
 #include "statusbar/BadgeIcon.h"
@@ -37,7 +39,9 @@
 #include <QFile>
 #include <QLabel>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QScopeGuard>
+#include <QSettings>
 #include <QSystemTrayIcon>
 #include <QTemporaryDir>
 
@@ -197,6 +201,73 @@ class StatusBarTest : public QObject {
 
     static int logCount(const QString& text) { return int(TestSupport::logText().count(text)); }
 
+    // Where the first-run notice tests keep the settings of one installation across starts.
+    QTemporaryDir installation;
+
+    static QProcessEnvironment firstRunEnvironment(const QString& home)
+    {
+        QProcessEnvironment environment = TestSupport::environmentWithHome(home);
+        environment.insert("LC_ALL", "C.UTF-8");
+        environment.remove("LANGUAGE");
+        return environment;
+    }
+
+    // Starts the real program in `home` with the update check off, as a fresh installation.
+    static void startProgram(QProcess& app, const QString& home)
+    {
+        QDir().mkpath(home + "/.config/lulltide");
+        QSettings conf(home + "/.config/lulltide/lulltide.conf", QSettings::IniFormat);
+        if (!conf.contains("auto_check_update"))
+            conf.setValue("auto_check_update", false);
+        conf.sync();
+        app.setProcessEnvironment(firstRunEnvironment(home));
+        app.setProcessChannelMode(QProcess::ForwardedChannels);
+        app.start(LULLTIDE_BINARY, {});
+        QVERIFY(app.waitForStarted());
+    }
+
+    static void quitProgram(QProcess& app, const QString& home)
+    {
+        QProcess quit;
+        quit.setProcessEnvironment(firstRunEnvironment(home));
+        quit.start(LULLTIDE_BINARY, {"--quit"});
+        QVERIFY(quit.waitForFinished(15000));
+        QVERIFY(app.waitForFinished(10000));
+        QCOMPARE(app.exitCode(), 0);
+    }
+
+    static QVariant storedSetting(const QString& home, const QString& key)
+    {
+        return QSettings(home + "/.config/lulltide/lulltide.conf", QSettings::IniFormat).value(key);
+    }
+
+    // The program answers on the bus: whatever it sent before has reached this process.
+    void pingProgram()
+    {
+        QTRY_VERIFY_WITH_TIMEOUT(
+            QDBusConnection::sessionBus().interface()->isServiceRegistered("org.lulltide.Lulltide"), 10000);
+        const QDBusMessage reply =
+            call("org.lulltide.Lulltide", "/org/lulltide/Lulltide", "org.freedesktop.DBus.Peer", "Ping");
+        QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+    }
+
+    // The names of the program's visible windows, as the X server lists them.
+    static QStringList visibleWindowNames(const QProcess& app)
+    {
+        QProcess search;
+        search.start("xdotool", {"search", "--onlyvisible", "--pid", QString::number(app.processId())});
+        search.waitForFinished(10000);
+        QStringList names;
+        for (const QString& window :
+             QString::fromUtf8(search.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts)) {
+            QProcess name;
+            name.start("xdotool", {"getwindowname", window});
+            name.waitForFinished(10000);
+            names << QString::fromUtf8(name.readAllStandardOutput()).trimmed();
+        }
+        return names;
+    }
+
 private slots:
     void initTestCase()
     {
@@ -213,11 +284,28 @@ private slots:
         listen(itemService(), menuPath, menuInterface, QString());
     }
 
-    void withoutAWatcherTheItemIsATrayIconWithTheSameMenuAndSaysSoOnce()
+    void withoutANotificationServerTheMissingPanelIsLoggedOnceAndTheProgramRunsOn()
     {
-        QCOMPARE(logCount("no StatusNotifierWatcher on the session bus: the panel shows a tray icon without "
-                          "the countdown"),
+        // No watcher, no tray and no notification server on the bus since the start.
+        QVERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
+        QCOMPARE(logCount("no StatusNotifierWatcher on the session bus and no system tray: nothing in the "
+                          "panel shows Lulltide"),
                  1);
+        QCOMPARE(logCount("the panel shows a tray icon"), 0);
+        // After the few seconds a panel gets to start.
+        QTRY_COMPARE_WITH_TIMEOUT(logCount("no desktop notification can tell where Lulltide is: "
+                                           "org.freedesktop.DBus.Error.ServiceUnknown"),
+                                  1, 40000);
+        // Told at the next start that finds a server.
+        QVERIFY(!SettingsStore::settings().value("told_no_panel").toBool());
+        // The item is there as before (the tests below use it).
+        QVERIFY(item().findChild<TrayIcon*>());
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+        QCOMPARE(logCount("no desktop notification can tell where Lulltide is"), 1);
+    }
+
+    void withoutAWatcherTheItemIsATrayIconWithTheSameMenu()
+    {
         auto* tray = item().findChild<TrayIcon*>();
         QVERIFY(tray);
         auto* menu = qobject_cast<StatusPopupMenu*>(tray->trayIcon()->contextMenu());
@@ -1081,6 +1169,119 @@ private slots:
         QVERIFY(app.waitForFinished(5000));
         QCOMPARE(app.exitStatus(), QProcess::NormalExit);
         QCOMPARE(app.exitCode(), 0);
+    }
+
+    void withNoPanelAtAllTheFirstStartSendsOneNoticeWithASettingsAction()
+    {
+        watcher->stop();
+        StandInNotificationServer server(panel, {"actions", "body"});
+        QVERIFY(server.start());
+        QProcess app;
+        startProgram(app, installation.path());
+        QTRY_COMPARE_WITH_TIMEOUT(server.received().size(), 1, 40000);
+        const StandInNotificationServer::Received notice = server.received().first();
+        QCOMPARE(notice.appName, "Lulltide");
+        QCOMPARE(notice.replacesId, 0u);
+        QCOMPARE(notice.summary, "Lulltide is running");
+        QVERIFY2(notice.body.contains(QRegularExpression("^The next break comes at \\d{1,2}:\\d\\d\\.\n")),
+                 qPrintable(notice.body));
+        QVERIFY(notice.body.contains("application menu"));
+        QVERIFY(notice.body.contains("\"AppIndicator and KStatusNotifierItem Support\""));
+        QCOMPARE(notice.actions, QStringList({"settings", "Settings"}));
+        QCOMPARE(notice.hints.value("desktop-entry").toString(), "org.lulltide.Lulltide");
+
+        // Sent once, and remembered for the next start.
+        QTRY_COMPARE_WITH_TIMEOUT(storedSetting(installation.path(), "told_no_panel").toString(), "true",
+                                  10000);
+        QTRY_VERIFY(TestSupport::logTextIn(installation.path())
+                        .contains("no StatusNotifierWatcher on the session bus and no system tray: nothing "
+                                  "in the panel shows Lulltide"));
+        pingProgram();
+        QCOMPARE(server.calls(), QStringList({"GetCapabilities", "Notify"}));
+
+        // Its button opens the settings window.
+        QVERIFY(visibleWindowNames(app).isEmpty());
+        server.invokeAction(notice.id + 1, "settings"); // someone else's notification
+        server.invokeAction(notice.id, "settings");
+        QTRY_COMPARE_WITH_TIMEOUT(visibleWindowNames(app), QStringList{"Settings"}, 10000);
+
+        quitProgram(app, installation.path());
+        QVERIFY(watcher->start());
+    }
+
+    void theSecondStartOfTheSameInstallationSendsNoNotice()
+    {
+        watcher->stop();
+        StandInNotificationServer server(panel, {"actions", "body"});
+        QVERIFY(server.start());
+        QCOMPARE(storedSetting(installation.path(), "told_no_panel").toString(), "true");
+        QProcess app;
+        startProgram(app, installation.path());
+        QTRY_COMPARE_WITH_TIMEOUT(TestSupport::logTextIn(installation.path())
+                                      .count("no StatusNotifierWatcher on the session bus and no system "
+                                             "tray: nothing in the panel shows Lulltide"),
+                                  2, 15000);
+        pingProgram();
+        QCOMPARE(server.calls(), QStringList());
+        quitProgram(app, installation.path());
+        QVERIFY(watcher->start());
+    }
+
+    void aServerWithoutActionsGetsTheNoticeWithoutTheSettingsButton()
+    {
+        watcher->stop();
+        StandInNotificationServer server(panel, {"body"});
+        QVERIFY(server.start());
+        QTemporaryDir home;
+        QProcess app;
+        startProgram(app, home.path());
+        QTRY_COMPARE_WITH_TIMEOUT(server.received().size(), 1, 40000);
+        QCOMPARE(server.received().first().summary, "Lulltide is running");
+        QCOMPARE(server.received().first().actions, QStringList());
+        QTRY_COMPARE_WITH_TIMEOUT(storedSetting(home.path(), "told_no_panel").toString(), "true", 10000);
+        quitProgram(app, home.path());
+        QVERIFY(watcher->start());
+    }
+
+    void aPanelThatStartsJustAfterTheProgramTakesTheItemWithoutANotice()
+    {
+        watcher->stop();
+        StandInNotificationServer server(panel, {"actions", "body"});
+        QVERIFY(server.start());
+        QTemporaryDir home;
+        QProcess app;
+        startProgram(app, home.path());
+        QTRY_VERIFY_WITH_TIMEOUT(TestSupport::logTextIn(home.path())
+                                     .contains("no StatusNotifierWatcher on the session bus and no system "
+                                               "tray: nothing in the panel shows Lulltide"),
+                                 15000);
+        // The panel comes up at login a moment later.
+        QVERIFY(watcher->start());
+        QTRY_VERIFY_WITH_TIMEOUT(
+            TestSupport::logTextIn(home.path()).contains("a panel took the item in time: no notice needed"),
+            15000);
+        pingProgram();
+        QCOMPARE(server.calls(), QStringList());
+        QCOMPARE(storedSetting(home.path(), "told_no_panel"), QVariant());
+        quitProgram(app, home.path());
+    }
+
+    void withAWatcherThereIsNoNoticeAndALaterLossIsToldAgain()
+    {
+        StandInNotificationServer server(panel, {"actions", "body"});
+        QVERIFY(server.start());
+        // An installation that was told before, on a desktop that has a panel now.
+        QTemporaryDir home;
+        QDir().mkpath(home.path() + "/.config/lulltide");
+        QSettings(home.path() + "/.config/lulltide/lulltide.conf", QSettings::IniFormat)
+            .setValue("told_no_panel", true);
+        QProcess app;
+        startProgram(app, home.path());
+        // The panel shows the item: the next start without one tells again.
+        QTRY_COMPARE_WITH_TIMEOUT(storedSetting(home.path(), "told_no_panel").toString(), "false", 15000);
+        pingProgram();
+        QCOMPARE(server.calls(), QStringList());
+        quitProgram(app, home.path());
     }
 };
 

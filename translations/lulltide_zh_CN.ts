@@ -184,6 +184,25 @@
     </message>
 </context>
 <context>
+    <name>PanelAbsenceNotice</name>
+    <message>
+        <source>Lulltide is running</source>
+        <translation>Lulltide 正在运行</translation>
+    </message>
+    <message>
+        <source>The next break comes at %1.</source>
+        <translation>下次休息在 %1。</translation>
+    </message>
+    <message>
+        <source>No panel on this desktop can show Lulltide. Open Lulltide from the application menu to reach its settings. On GNOME, the &quot;AppIndicator and KStatusNotifierItem Support&quot; extension shows its countdown in the top bar.</source>
+        <translation>这个桌面上没有能显示 Lulltide 的面板。从应用程序菜单打开 Lulltide 即可进入它的设置。在 GNOME 上，“AppIndicator and KStatusNotifierItem Support”扩展会在顶栏显示它的倒计时。</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>设置</translation>
+    </message>
+</context>
+<context>
     <name>PrefAboutView</name>
     <message>
         <source>Wooden fish</source>

@@ -234,6 +234,17 @@ void PrefState::setLastWeakupTimestamp(double value)
     emit lastWeakupTimestampChanged();
 }
 
+bool PrefState::toldNoPanel() const
+{
+    return readBool(toldNoPanelKey, false);
+}
+
+void PrefState::setToldNoPanel(bool value)
+{
+    write(toldNoPanelKey, value);
+    emit toldNoPanelChanged();
+}
+
 void PrefState::setStyleState(PrefStyleState* styleState)
 {
     m_styleState = styleState;

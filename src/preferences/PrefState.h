@@ -41,6 +41,7 @@ class PrefState : public QObject {
     Q_PROPERTY(bool showNewDayTip READ showNewDayTip WRITE setShowNewDayTip NOTIFY showNewDayTipChanged)
     Q_PROPERTY(double lastWeakupTimestamp READ lastWeakupTimestamp WRITE setLastWeakupTimestamp NOTIFY
                    lastWeakupTimestampChanged)
+    Q_PROPERTY(bool toldNoPanel READ toldNoPanel WRITE setToldNoPanel NOTIFY toldNoPanelChanged)
     Q_PROPERTY(PrefStyleState* styleState READ styleState WRITE setStyleState NOTIFY styleStateChanged)
     Q_PROPERTY(double workTime READ workTime NOTIFY workTimeStringChanged)
     Q_PROPERTY(double breakTime READ breakTime NOTIFY breakTimeStringChanged)
@@ -65,6 +66,7 @@ public:
     static constexpr const char stopTimerAfterMouseStopKey[] = "stop_timer_after_mouse_stop";
     static constexpr const char showNewDayTipKey[] = "show_new_day_tip";
     static constexpr const char lastWeakupTimestampKey[] = "last_weakup_timestamp";
+    static constexpr const char toldNoPanelKey[] = "told_no_panel";
 
     // Reads nothing and writes nothing: values are read when they are asked for.
     explicit PrefState(QObject* parent = nullptr);
@@ -117,6 +119,11 @@ public:
     double lastWeakupTimestamp() const;
     void setLastWeakupTimestamp(double value);
 
+    // Whether the user was told, while no panel could show the item, where Lulltide is. Not a
+    // setting: the program keeps it so the notice comes once, not at every login.
+    bool toldNoPanel() const;
+    void setToldNoPanel(bool value);
+
     PrefStyleState* styleState() const { return m_styleState; }
     void setStyleState(PrefStyleState* styleState);
 
@@ -146,6 +153,7 @@ signals:
     void stopTimerAfterMouseStopChanged();
     void showNewDayTipChanged();
     void lastWeakupTimestampChanged();
+    void toldNoPanelChanged();
     void styleStateChanged();
 
 private:

@@ -1,18 +1,17 @@
 #include "StatusItemExporter.h"
 
 #include "DBusMenu.h"
+#include "PanelAbsenceNotice.h"
 #include "PanelHost.h"
 #include "StatusItem.h"
 #include "StatusNotifierItem.h"
 #include "StatusPopupMenu.h"
 #include "TrayIcon.h"
-#include "logging/Logger.h"
 
 #include <QCursor>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QScreen>
-#include <QSet>
 
 namespace StatusItemExporter {
 namespace {
@@ -31,11 +30,7 @@ void showTrayIcon(StatusItem& item, const QString& why)
 {
     if (trayIcon)
         return;
-    // Each reason once: a panel that restarts again and again must not fill the log.
-    static QSet<QString> told;
-    if (!told.contains(why))
-        logger().info(why + QStringLiteral(": the panel shows a tray icon without the countdown"));
-    told.insert(why);
+    PanelAbsenceNotice::noStatusNotifierPanel(why);
     trayIcon = new TrayIcon(item, popupMenu(item), &item);
 }
 
@@ -72,7 +67,10 @@ void start(StatusItem& item)
                      [&item](const QPoint& position) { popupMenu(item)->popup(menuPosition(position)); });
     // A panel that comes later takes the item over from the tray icon, and gives it back when
     // it goes: the item is never nowhere.
-    QObject::connect(notifierItem, &StatusNotifierItem::registered, &item, [] { delete trayIcon; });
+    QObject::connect(notifierItem, &StatusNotifierItem::registered, &item, [] {
+        delete trayIcon;
+        PanelAbsenceNotice::panelFound();
+    });
     QObject::connect(notifierItem, &StatusNotifierItem::watcherLost, &item, [&item] {
         showTrayIcon(item, QStringLiteral("the StatusNotifierWatcher left the session bus"));
     });
