@@ -122,6 +122,17 @@ private slots:
         QCOMPARE(elementTexts(metainfo, "content_rating", "type", "oars-1.1").size(), 1);
         QCOMPARE(elementTexts(metainfo, "release", "version", Config::version).size(), 1);
     }
+
+    void installedProgramCarriesNoRunpath()
+    {
+        QTemporaryDir prefix;
+        const Result install =
+            run(QStringLiteral("cmake"), {"--install", BUILD_DIR, "--prefix", prefix.path()});
+        QVERIFY2(install.exitCode == 0, qPrintable(install.output));
+        const QString dynamic = dynamicSection(prefix.filePath("bin/lulltide"));
+        QVERIFY(dynamic.contains("(NEEDED)"));
+        QVERIFY2(!dynamic.contains("(RUNPATH)") && !dynamic.contains("(RPATH)"), qPrintable(dynamic));
+    }
 };
 
 LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(PackageTest, nullptr)
