@@ -133,6 +133,39 @@ private slots:
         QVERIFY(dynamic.contains("(NEEDED)"));
         QVERIFY2(!dynamic.contains("(RUNPATH)") && !dynamic.contains("(RPATH)"), qPrintable(dynamic));
     }
+
+    void programLinksTheNetworkLibraryOnlyWithUpdateChecks()
+    {
+        const QString dynamic = dynamicSection(LULLTIDE_BINARY);
+        QVERIFY(dynamic.contains("libQt6Core.so"));
+        QCOMPARE(dynamic.contains("libQt6Network.so"), updateChecks);
+    }
+
+    void menuOffersTheUpdateCheckOnlyWithUpdateChecks()
+    {
+        QStringList titles;
+        for (StatusMenuItem* item : StatusBarController::menu().items())
+            titles << (item->isSeparator() ? "---" : item->title());
+        QStringList expected{"Lulltide - v1.0.0(1)", "---", "- Stop -", "Settings...", "---"};
+        if (updateChecks)
+            expected << "Check for Updates...";
+        expected << QStringList{"Feedback...", "About...", "Quit"};
+        QCOMPARE(titles, expected);
+    }
+
+    void generalPaneShowsTheUpdateSwitchOnlyWithUpdateChecks()
+    {
+        WindowController::showPrefView();
+        QQuickWindow* window = settingsWindow();
+        QVERIFY(window);
+        QVERIFY(QTest::qWaitForWindowExposed(window, 20000));
+        QQuickItem* launchAtLogin = TestSupport::findItem(window->contentItem(), "launchAtLogin");
+        QVERIFY(launchAtLogin);
+        QTRY_VERIFY_WITH_TIMEOUT(launchAtLogin->isVisible(), 10000);
+        QQuickItem* autoCheckUpdate = TestSupport::findItem(window->contentItem(), "autoCheckUpdate");
+        QCOMPARE(autoCheckUpdate && autoCheckUpdate->isVisible(), updateChecks);
+        window->close();
+    }
 };
 
 LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(PackageTest, nullptr)

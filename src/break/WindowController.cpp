@@ -10,7 +10,9 @@
 #include "preferences/PrefState.h"
 #include "statusbar/AboutDialog.h"
 #include "statusbar/AppInfo.h"
+#if LULLTIDE_UPDATE_CHECKS
 #include "statusbar/Updater.h"
+#endif
 #include "timer/TicktackState.h"
 
 #include <QGuiApplication>
@@ -141,8 +143,8 @@ QQuickWindow* window(QScreen* screen)
 }
 
 // Hands back the window's full-screen buffer once the break is over: 8 MB per 1080p screen,
-// which Qt keeps for the window's lifetime. The window and its view stay, hidden, so the next break finds them by title (making the view
-// anew at every break cost more time than the memory it held was worth).
+// which Qt keeps for the window's lifetime. The window and its view stay, hidden, so the next break finds
+// them by title (making the view anew at every break cost more time than the memory it held was worth).
 void release(QQuickWindow* window)
 {
     if (!hasView(window))
@@ -166,6 +168,7 @@ void release(QQuickWindow* window)
 
 } // namespace
 
+#if LULLTIDE_UPDATE_CHECKS
 namespace {
 
 Updater& updaterController()
@@ -186,6 +189,9 @@ Updater& updater()
 {
     return updaterController();
 }
+#else
+void setup() {}
+#endif
 
 namespace {
 
@@ -260,10 +266,12 @@ void showPrefView()
     sendAction(QStringLiteral("showSettingsWindow:"));
 }
 
+#if LULLTIDE_UPDATE_CHECKS
 void showUpdater()
 {
     updaterController().checkForUpdates();
 }
+#endif
 
 void showAbout()
 {
