@@ -166,6 +166,36 @@ private slots:
         QCOMPARE(autoCheckUpdate && autoCheckUpdate->isVisible(), updateChecks);
         window->close();
     }
+
+    // The package is built without update checks and with the distribution's hardening flags.
+    void builtPackageHasNoUpdateCheckNoRunpathAndIsHardened()
+    {
+        const QString deb = builtPackage();
+        if (deb.isEmpty())
+            QSKIP("no package under build/package: scripts/package makes one");
+        QTemporaryDir root;
+        const Result extract = run(QStringLiteral("dpkg-deb"), {"-x", deb, root.path()});
+        QVERIFY2(extract.exitCode == 0, qPrintable(extract.output));
+        const QString binary = root.filePath("usr/bin/lulltide");
+        const QString dynamic = dynamicSection(binary);
+        QVERIFY(dynamic.contains("libQt6Core.so"));
+        QVERIFY2(!dynamic.contains("libQt6Network.so"), qPrintable(dynamic));
+        QVERIFY2(!dynamic.contains("(RUNPATH)") && !dynamic.contains("(RPATH)"), qPrintable(dynamic));
+        QVERIFY(dynamic.contains("BIND_NOW"));
+
+        QFile program(binary);
+        QVERIFY(program.open(QIODevice::ReadOnly));
+        QVERIFY(!program.readAll().contains("appcast"));
+
+        const Result depends = run(QStringLiteral("dpkg-deb"), {"--field", deb, "Depends"});
+        QVERIFY(depends.output.contains("libqt6core6"));
+        QVERIFY2(!depends.output.contains("libqt6network6"), qPrintable(depends.output));
+
+        if (QStandardPaths::findExecutable("hardening-check").isEmpty())
+            QSKIP("hardening-check (devscripts) is not installed");
+        const Result hardening = run(QStringLiteral("hardening-check"), {binary});
+        QVERIFY2(hardening.exitCode == 0, qPrintable(hardening.output));
+    }
 };
 
 LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUS(PackageTest, nullptr)
