@@ -193,7 +193,9 @@ private slots:
 
         if (QStandardPaths::findExecutable("hardening-check").isEmpty())
             QSKIP("hardening-check (devscripts) is not installed");
-        const Result hardening = run(QStringLiteral("hardening-check"), {binary});
+        // Debian 12's C start files carry no IBT/SHSTK note, so no program linked here shows
+        // control-flow protection, whatever it is compiled with.
+        const Result hardening = run(QStringLiteral("hardening-check"), {"--nocfprotection", binary});
         QVERIFY2(hardening.exitCode == 0, qPrintable(hardening.output));
     }
 };
