@@ -139,10 +139,17 @@ private slots:
         validate.start("desktop-file-validate", {share + "applications/org.lulltide.Lulltide.desktop"});
         QVERIFY(validate.waitForFinished());
         QVERIFY2(validate.exitCode() == 0, validate.readAllStandardOutput().constData());
-        validate.start("appstreamcli",
-                       {"validate", "--no-net", share + "metainfo/org.lulltide.Lulltide.metainfo.xml"});
+        validate.start("appstreamcli", {"validate", "--pedantic", "--no-net",
+                                        share + "metainfo/org.lulltide.Lulltide.metainfo.xml"});
         QVERIFY(validate.waitForFinished(30000));
-        QVERIFY2(validate.exitCode() == 0, validate.readAllStandardOutput().constData());
+        const QString report = validate.readAllStandardOutput();
+        QVERIFY2(validate.exitCode() == 0, qPrintable(report));
+        // The one remark left: the id has capitals, but it is also the D-Bus name and the name
+        // of the desktop entry, the log files and the autostart entry, so it stays.
+        for (const QString& line : report.split('\n')) {
+            if (line.size() > 1 && line.at(1) == ':' && QStringLiteral("EWIP").contains(line.at(0)))
+                QVERIFY2(line.contains(" cid-contains-uppercase-letter "), qPrintable(report));
+        }
     }
 
     void installPutsTheManualPageInPlace()

@@ -10,7 +10,9 @@
 #include "preferences/PrefState.h"
 #include "statusbar/AboutDialog.h"
 #include "statusbar/AppInfo.h"
+#if LULLTIDE_UPDATE_CHECKS
 #include "statusbar/Updater.h"
+#endif
 #include "timer/TicktackState.h"
 
 #include <QGuiApplication>
@@ -212,6 +214,7 @@ void release(QQuickWindow* window)
 
 } // namespace
 
+#if LULLTIDE_UPDATE_CHECKS
 namespace {
 
 Updater& updaterController()
@@ -232,6 +235,9 @@ Updater& updater()
 {
     return updaterController();
 }
+#else
+void setup() {}
+#endif
 
 namespace {
 
@@ -306,10 +312,12 @@ void showPrefView()
     sendAction(QStringLiteral("showSettingsWindow:"));
 }
 
+#if LULLTIDE_UPDATE_CHECKS
 void showUpdater()
 {
     updaterController().checkForUpdates();
 }
+#endif
 
 void showAbout()
 {

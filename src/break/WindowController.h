@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Config.h"
+
 class QScreen;
 class QQuickWindow;
 class Updater;
@@ -12,8 +14,10 @@ namespace WindowController {
 // Start-up: makes the updater, which checks by itself when that is on.
 void setup();
 
+#if LULLTIDE_UPDATE_CHECKS
 // The process's one updater, made by setup().
 Updater& updater();
+#endif
 
 // Shows (creating when needed) a break window on every screen, fades it in over one second
 // and gives the primary screen's one the keyboard focus. False, with nothing shown, when the
@@ -33,8 +37,10 @@ void showPrefView();
 // "showPreferencesWindow:" both open the settings window. False for an unknown action.
 bool sendAction(const QString& action);
 
+#if LULLTIDE_UPDATE_CHECKS
 // Checks for a newer version, with progress and result shown.
 void showUpdater();
+#endif
 
 // Shows the About dialog, in front of other windows.
 void showAbout();

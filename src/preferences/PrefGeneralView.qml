@@ -4,7 +4,7 @@ import QtQuick.Layouts
 import Lulltide
 
 // The first tab: start, status bar, update and break-style options, labels right-aligned on
-// one column.
+// one column. A build without update checks leaves out the update row.
 Item {
     id: root
     objectName: "generalView"
@@ -40,12 +40,15 @@ Item {
             onToggled: root.prefState.showTime = checked
         }
 
+        // Absent from a build whose updates come from the package manager.
         Label {
             text: qsTr("Update options")
+            visible: root.prefState.updateChecksBuiltIn
             Layout.alignment: Qt.AlignRight | Qt.AlignVCenter
         }
         Switch {
             objectName: "autoCheckUpdate"
+            visible: root.prefState.updateChecksBuiltIn
             text: qsTr("Auto check update for Lulltide")
             checked: root.prefState.autoCheckUpdate
             onToggled: root.prefState.autoCheckUpdate = checked

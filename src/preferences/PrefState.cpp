@@ -1,5 +1,6 @@
 #include "PrefState.h"
 
+#include "Config.h"
 #include "LoginItem.h"
 #include "NumberParsing.h"
 #include "SettingsStore.h"
@@ -87,6 +88,11 @@ void PrefState::setAutoCheckUpdate(bool value)
 {
     write(autoCheckUpdateKey, value);
     emit autoCheckUpdateChanged();
+}
+
+bool PrefState::updateChecksBuiltIn() const
+{
+    return LULLTIDE_UPDATE_CHECKS;
 }
 
 QString PrefState::workTimeString() const

@@ -18,6 +18,8 @@ class PrefState : public QObject {
     Q_PROPERTY(bool showTime READ showTime WRITE setShowTime NOTIFY showTimeChanged)
     Q_PROPERTY(
         bool autoCheckUpdate READ autoCheckUpdate WRITE setAutoCheckUpdate NOTIFY autoCheckUpdateChanged)
+    // False in a build without update checks, where the setting has nothing to turn on.
+    Q_PROPERTY(bool updateChecksBuiltIn READ updateChecksBuiltIn CONSTANT)
     Q_PROPERTY(
         QString workTimeString READ workTimeString WRITE setWorkTimeString NOTIFY workTimeStringChanged)
     Q_PROPERTY(
@@ -78,6 +80,7 @@ public:
     void setShowTime(bool value);
 
     bool autoCheckUpdate() const;
+    bool updateChecksBuiltIn() const;
     void setAutoCheckUpdate(bool value);
 
     QString workTimeString() const;

@@ -1,6 +1,7 @@
 #include "StatusBarController.h"
 
 #include "AppInfo.h"
+#include "Config.h"
 #include "Feedback.h"
 #include "StatusItem.h"
 #include "StatusItemExporter.h"
@@ -47,9 +48,11 @@ StatusMenu* buildMenu()
                         QStringLiteral("gearshape.circle"), QStringLiteral(","),
                         [] { WindowController::showPrefView(); }));
     menu->addItem(StatusMenuItem::separator());
+#if LULLTIDE_UPDATE_CHECKS
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Check for Updates..."),
                         QStringLiteral("arrow.counterclockwise.icloud"), {},
                         [] { WindowController::showUpdater(); }));
+#endif
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Feedback..."),
                         QStringLiteral("mail.stack"), {}, [] { Feedback::compose(); }));
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "About..."),
