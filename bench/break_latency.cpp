@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Measures how long the break screen takes to appear: from the tick that ends the work
 // countdown to the first frame of the break window on every screen, drawn on the X server.
 // Run it through bench/break-latency, which gives it a virtual X server and a scratch HOME.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 /* A panel's StatusNotifierWatcher and host for the footprint benchmark: owns
  * org.kde.StatusNotifierWatcher on the session bus, takes item registrations, reads each item's
  * properties once as a panel does, and prints "registered <sender> <microseconds since 1970>"

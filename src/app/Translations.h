@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Shows the program in the user's language (LANGUAGE, LC_ALL, LC_MESSAGES, LANG): our own
