@@ -351,6 +351,37 @@ private slots:
                                            << "longBreakPrompt"
                                            << "喝水";
     }
+    // The pane scrolls when both prompt fields are shown: a person scrolls down to the lower ones.
+    static QQuickItem* scrollerOf(QQuickItem* item)
+    {
+        while (item && !item->inherits("QQuickFlickable"))
+            item = item->parentItem();
+        return item;
+    }
+
+    static void scrollIntoView(QQuickItem* item)
+    {
+        QQuickItem* scroller = scrollerOf(item);
+        QVERIFY(scroller);
+        const qreal bottom = item->mapToItem(scroller, QPointF(0, item->height())).y();
+        if (bottom > scroller->height())
+            scroller->setProperty("contentY", scroller->property("contentY").toReal() + bottom -
+                                                  scroller->height() + 12);
+        QTRY_VERIFY(item->mapToItem(scroller, QPointF(0, item->height())).y() <= scroller->height());
+    }
+
+    // Fields shown or hidden move the others at the next polish: a click waits for the layout.
+    static void waitUntilStill(QQuickItem* item)
+    {
+        QPointF last(-1e9, -1e9);
+        QTRY_VERIFY([&] {
+            const QPointF now = item->mapToScene({0, 0});
+            const bool still = now == last;
+            last = now;
+            return still;
+        }());
+    }
+
     void anEmptiedFieldShowsTheValueStoredBeforeTheEditAsItsPlaceholder()
     {
         QFETCH(QString, field);
@@ -359,13 +390,24 @@ private slots:
         openTab("workflowTab");
         prefs().setCustomBreakPrompt(true);
         prefs().setCustomLongBreakPrompt(true);
-        const auto hidePromptFields = qScopeGuard([] {
-            prefs().setCustomBreakPrompt(false);
-            prefs().setCustomLongBreakPrompt(false);
-        });
         const QByteArray name = field.toLatin1();
         QQuickItem* edited = find(name.constData());
-        QTRY_VERIFY(edited->isVisible());
+        const auto hidePromptFields = qScopeGuard([edited] {
+            prefs().setCustomBreakPrompt(false);
+            prefs().setCustomLongBreakPrompt(false);
+            if (QQuickItem* scroller = scrollerOf(edited))
+                scroller->setProperty("contentY", 0);
+            QTRY_VERIFY(!find("longBreakPromptField")->isVisible());
+            waitUntilStill(find("forceLongBreak"));
+        });
+        QTRY_VERIFY(find("breakPromptField")->isVisible() && find("longBreakPromptField")->isVisible());
+        waitUntilStill(find("longBreakPromptField"));
+        scrollIntoView(edited);
+        // The switch below the prompt fields moves down once the layout has taken them in.
+        const auto sceneRect = [](QQuickItem* item) {
+            return item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
+        };
+        QTRY_VERIFY(!sceneRect(find("forceLongBreak")).intersects(sceneRect(edited)));
         // The edit begins in a field that another field's edit left.
         click(find(field == "workTimeField" ? "breakTimeField" : "workTimeField"));
         QVERIFY(prefs().setProperty(setting.toLatin1().constData(), before));

@@ -365,8 +365,9 @@ private slots:
         QTRY_VERIFY((tray = item().findChild<TrayIcon*>()));
         QVERIFY(tray->trayIcon()->isVisible());
         QCOMPARE(tray->trayIcon()->toolTip(), "Lulltide\n" + AppState::workState().timeString());
-        QCOMPARE(logCount("the StatusNotifierWatcher left the session bus: the panel shows a tray icon "
-                          "without the countdown"),
+        // Xvfb has no tray: the log says that nothing in the panel shows the item now.
+        QCOMPARE(logCount("the StatusNotifierWatcher left the session bus and no system tray: nothing in "
+                          "the panel shows Lulltide"),
                  1);
 
         QVERIFY(watcher->start());

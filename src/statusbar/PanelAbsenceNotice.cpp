@@ -102,7 +102,10 @@ void makeNotifications()
 
 void tell()
 {
-    if (sending || AppState::prefState().toldNoPanel())
+    // One try a run: a panel that comes and goes all day must not bring a notice each time, and
+    // a try that found no server is made again at the next start.
+    static bool tried = false;
+    if (tried || sending || AppState::prefState().toldNoPanel())
         return;
     // An XEmbed tray that came meanwhile already holds the item.
     if (QSystemTrayIcon::isSystemTrayAvailable()) {
@@ -111,6 +114,7 @@ void tell()
     }
     if (!notifications)
         makeNotifications();
+    tried = true;
     sending = true;
     notifications->notify(notice());
 }
