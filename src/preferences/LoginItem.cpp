@@ -19,7 +19,7 @@ namespace {
 // The installed program is found on PATH; a build run from its tree starts itself by path.
 QString program()
 {
-    const QString self = QCoreApplication::applicationFilePath();
+    QString self = QCoreApplication::applicationFilePath();
     if (QFileInfo(self).fileName() == QLatin1String("lulltide") &&
         QStandardPaths::findExecutable(QStringLiteral("lulltide")) != self)
         return self;
