@@ -790,7 +790,8 @@ private slots:
         const QString log = TestSupport::logTextIn(home.path());
         QCOMPARE(log.count("no D-Bus: Lulltide does not notice when the screen locks"), 1);
         // Xvfb has no tray either: nothing in the panel can show the item, and the log says so.
-        QCOMPARE(log.count("no D-Bus session bus and no system tray: nothing in the panel shows Lulltide"), 1);
+        QCOMPARE(log.count("no D-Bus session bus and no system tray: nothing in the panel shows Lulltide"),
+                 1);
         QVERIFY(log.contains("ticktack timer start 3.0"));
         app.terminate();
         QVERIFY(app.waitForFinished(5000));

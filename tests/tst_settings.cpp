@@ -365,8 +365,8 @@ private slots:
         QVERIFY(scroller);
         const qreal bottom = item->mapToItem(scroller, QPointF(0, item->height())).y();
         if (bottom > scroller->height())
-            scroller->setProperty("contentY", scroller->property("contentY").toReal() + bottom -
-                                                  scroller->height() + 12);
+            scroller->setProperty("contentY",
+                                  scroller->property("contentY").toReal() + bottom - scroller->height() + 12);
         QTRY_VERIFY(item->mapToItem(scroller, QPointF(0, item->height())).y() <= scroller->height());
     }
 
