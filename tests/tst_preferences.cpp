@@ -59,7 +59,7 @@ class PreferencesTest : public QObject {
     static QString writeRecordingProgram(const QString& folder)
     {
         QDir().mkpath(folder);
-        const QString program = folder + "/lulltide";
+        QString program = folder + "/lulltide";
         QFile script(program);
         if (script.open(QIODevice::WriteOnly))
             script.write("#!/bin/sh\nprintf '%s' \"$0\" > \"$(dirname \"$0\")/started\"\n");
@@ -74,7 +74,7 @@ class PreferencesTest : public QObject {
     }
     static QString writeEntry(const QString& folder, const QString& program)
     {
-        const QString entry = folder + "/org.lulltide.Lulltide.desktop";
+        QString entry = folder + "/org.lulltide.Lulltide.desktop";
         QFile file(entry);
         if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
             file.write(LoginItem::entryText(program).toUtf8());
@@ -411,7 +411,7 @@ private slots:
         QCOMPARE(child.exitCode, 0);
         const QStringList lines = child.standardError.split('\n').filter("SMAppService error: ");
         QCOMPARE(lines.size(), 1);
-        const QString line = lines.first();
+        const QString& line = lines.first();
         QVERIFY2(line.startsWith("SMAppService error: "), qPrintable(line));
         // The reason names the folder and what the system said about it.
         QVERIFY2(line.contains(home.path() + "/.config/autostart: "), qPrintable(line));
