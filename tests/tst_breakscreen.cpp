@@ -313,7 +313,8 @@ private slots:
                                   qPrintable(program.logText() + program.process.readAllStandardError()),
                                   60000);
         QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 20000);
-        QCOMPARE(breakScreenFaultsAfterWaiting(10000), QString());
+        // The first frame through llvmpipe comes late on a loaded machine and under the sanitizers.
+        QCOMPARE(breakScreenFaultsAfterWaiting(60000), QString());
         if (dpi == 100) {
             // Kept in the build folder for a person to look at.
             QFile::remove("breakscreen-100dpi.png");
@@ -352,7 +353,7 @@ private slots:
         QCOMPARE(windowsNamed("EXTRA1", false).size(), 1); // the same window, reused
         QTRY_COMPARE_WITH_TIMEOUT(geometryOf(windowsNamed("EXTRA1", true).first()),
                                   QRect(1280, 0, 1920, 1080), 3000);
-        QCOMPARE(breakScreenFaultsAfterWaiting(10000), QString());
+        QCOMPARE(breakScreenFaultsAfterWaiting(60000), QString());
     }
 
     void twoMonitorsGetOneBreakWindowEachCoveringTheWholeMonitor()
