@@ -295,6 +295,12 @@ private slots:
     {
         QFETCH(int, dpi);
         QFETCH(QString, scaleFactor);
+#if defined(__SANITIZE_ADDRESS__)
+        // Known gap: under AddressSanitizer the OpenGL window on Xorg's dummy driver shows no
+        // frame within a minute (on Xvfb it does); the plain run covers these rows.
+        if (dpi != 96 || !scaleFactor.isEmpty())
+            QSKIP("no OpenGL frame under AddressSanitizer on Xorg's dummy driver");
+#endif
         setDesktopDpi(dpi);
         const auto noResources = qScopeGuard([this] { run("xrdb", {"-global", "-remove"}); });
         run("xsetroot", {"-solid", "magenta"});
