@@ -42,12 +42,12 @@ class BreakScreenTest : public QObject {
 
     QStringList windowsNamed(const QString& name, bool onlyVisible)
     {
-        QStringList arguments{"search"};
+        QStringList arguments;
         if (onlyVisible)
             arguments << "--onlyvisible";
         arguments << "--name"
                   << "^" + name + "$";
-        return run("xdotool", arguments).split('\n', Qt::SkipEmptyParts);
+        return TestSupport::searchWindows(arguments, onDisplay());
     }
 
     QRect geometryOf(const QString& windowId)
@@ -295,12 +295,6 @@ private slots:
     {
         QFETCH(int, dpi);
         QFETCH(QString, scaleFactor);
-#if defined(__SANITIZE_ADDRESS__)
-        // Known gap: under AddressSanitizer the OpenGL window on Xorg's dummy driver shows no
-        // frame within a minute (on Xvfb it does); the plain run covers these rows.
-        if (dpi != 96 || !scaleFactor.isEmpty())
-            QSKIP("no OpenGL frame under AddressSanitizer on Xorg's dummy driver");
-#endif
         setDesktopDpi(dpi);
         const auto noResources = qScopeGuard([this] { run("xrdb", {"-global", "-remove"}); });
         run("xsetroot", {"-solid", "magenta"});
@@ -310,6 +304,13 @@ private slots:
         QProcessEnvironment environment;
         if (!scaleFactor.isEmpty())
             environment.insert("QT_SCALE_FACTOR", scaleFactor);
+#if defined(__SANITIZE_ADDRESS__)
+        // At a fraction llvmpipe compiles its shaders with millions of allocations; with the full
+        // unwinding the leak check wants, no frame comes within minutes. Memory errors are
+        // still caught; the leak check runs on the integer scales.
+        if (dpi % 96 != 0 || !scaleFactor.isEmpty())
+            environment.insert("ASAN_OPTIONS", "detect_leaks=0:fast_unwind_on_malloc=1");
+#endif
 
         Program program;
         start(program, "work_time=0.02\nbreak_time=60\n", environment);

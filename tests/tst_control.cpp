@@ -103,11 +103,8 @@ class ControlTest : public QObject {
     // The visible windows of the program, as the X server lists them.
     static QStringList visibleWindows(const Instance& instance)
     {
-        QProcess search;
-        search.start("xdotool",
-                     {"search", "--onlyvisible", "--pid", QString::number(instance.process.processId())});
-        search.waitForFinished(10000);
-        return QString::fromUtf8(search.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+        return TestSupport::searchWindows(
+            {"--onlyvisible", "--pid", QString::number(instance.process.processId())});
     }
 
     static QString windowName(const QString& window)

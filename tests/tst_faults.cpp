@@ -340,11 +340,9 @@ private slots:
             " error org.lulltide.Lulltide : no break screen can be shown: the next work period starts"));
         QCOMPARE(instance.process.state(), QProcess::Running);
         // Nothing covers the screen.
-        QProcess search;
-        search.start("xdotool",
-                     {"search", "--onlyvisible", "--pid", QString::number(instance.process.processId())});
-        QVERIFY(search.waitForFinished(10000));
-        QCOMPARE(search.readAllStandardOutput(), QByteArray());
+        QCOMPARE(TestSupport::searchWindows(
+                     {"--onlyvisible", "--pid", QString::number(instance.process.processId())}),
+                 QStringList());
     }
 };
 

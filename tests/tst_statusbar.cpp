@@ -255,12 +255,9 @@ class StatusBarTest : public QObject {
     // The names of the program's visible windows, as the X server lists them.
     static QStringList visibleWindowNames(const QProcess& app)
     {
-        QProcess search;
-        search.start("xdotool", {"search", "--onlyvisible", "--pid", QString::number(app.processId())});
-        search.waitForFinished(10000);
         QStringList names;
         for (const QString& window :
-             QString::fromUtf8(search.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts)) {
+             TestSupport::searchWindows({"--onlyvisible", "--pid", QString::number(app.processId())})) {
             QProcess name;
             name.start("xdotool", {"getwindowname", window});
             name.waitForFinished(10000);

@@ -179,6 +179,21 @@ QQuickItem* findItem(QQuickItem* parent, const QString& objectName)
     return nullptr;
 }
 
+QStringList searchWindows(const QStringList& arguments, const QProcessEnvironment& environment)
+{
+    for (int attempt = 0;; ++attempt) {
+        QProcess search;
+        search.setProcessEnvironment(environment);
+        search.start(QStringLiteral("xdotool"), QStringList{QStringLiteral("search")} + arguments);
+        search.waitForFinished(10000);
+        const QByteArray errors = search.readAllStandardError();
+        // xdotool also ends with 1 when nothing matched; only an X error means "ask again".
+        if (errors.contains("X Error") && attempt < 20)
+            continue;
+        return QString::fromUtf8(search.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+    }
+}
+
 QProcessEnvironment environmentWithHome(const QString& root)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

@@ -63,6 +63,13 @@ struct ProgramRun {
 // The first item below `parent` (at any depth) with the object name.
 QQuickItem* findItem(QQuickItem* parent, const QString& objectName);
 
+// The windows `xdotool search` finds with `arguments` on the X server of `environment`.
+// A window that goes while xdotool reads it (a program making and dropping a hidden helper
+// window) makes xdotool fail with BadWindow; the search is then repeated, so the answer is
+// never a spurious empty list.
+QStringList searchWindows(const QStringList& arguments,
+                          const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
+
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);
 
