@@ -2,12 +2,16 @@
 #include "support/ManualTickSource.h"
 #include "support/StandInNotificationServer.h"
 #include "support/StandInWatcher.h"
+#include "support/TestHoldSource.h"
 #include "support/TestMain.h"
 
+#include "app/AppControl.h"
 #include "app/AppDelegate.h"
 #include "app/AppState.h"
+#include "app/BreakGate.h"
 #include "break/PromptState.h"
 #include "break/WindowController.h"
+#include "events/SystemEventActions.h"
 #include "logging/Logger.h"
 #include "preferences/PrefState.h"
 #include "preferences/SettingsStore.h"
@@ -275,6 +279,7 @@ private slots:
         recorder = new SignalRecorder;
         ticks = new ManualTickSource;
         TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
+        BreakGate::setHoldSourceFactory([] { return std::make_unique<TestHoldSource>(); });
         // No panel yet: the program starts before the desktop's panel, as it can at login.
         AppDelegate delegate;
         delegate.applicationDidFinishLaunching();
@@ -426,6 +431,57 @@ private slots:
         const SniToolTip tip = qdbus_cast<SniToolTip>(property("ToolTip").value<QDBusArgument>());
         QCOMPARE(tip.title, "Lulltide");
         QCOMPARE(tip.text, "24:59");
+    }
+
+    SniToolTip toolTipOverTheBus()
+    {
+        return qdbus_cast<SniToolTip>(property("ToolTip").value<QDBusArgument>());
+    }
+
+    void pausedTheItemReadOverTheBusIsFadedAndItsTooltipSaysPaused()
+    {
+        restartWork();
+        const QByteArray counting = pixmaps().first().bytes;
+        AppControl::pause();
+        QTRY_COMPARE(toolTipOverTheBus().text, "Paused");
+        QCOMPARE(property("IconName").toString(), QString()); // the faded pixmaps, not the themed icon
+        // The frozen countdown stays as the badge (the label of panels that draw one stays too).
+        const QImage faded = BadgeIcon::draw(item().imagePath(), 16, "25", true);
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(faded).bytes);
+        QVERIFY(pixmaps().first().bytes != counting);
+        restartWork();
+        QTRY_COMPARE(toolTipOverTheBus().text, "25:00");
+        QCOMPARE(pixmaps().first().bytes, counting);
+    }
+
+    void heldTheItemReadOverTheBusShowsTheWaitAndWhy()
+    {
+        restartWork();
+        AppState::prefState().setHoldBreaks(true);
+        auto off = qScopeGuard([] { AppState::prefState().setHoldBreaks(false); });
+        QVERIFY(TestHoldSource::current);
+        TestHoldSource::current->set(true);
+        while (!AppState::workState().timesUp())
+            ticks->tick();
+        ticks->tick(3);
+        QTRY_COMPARE(toolTipOverTheBus().text, "Break waiting +00:03: A video call is on");
+        QTRY_COMPARE(label(), "+00:03");
+        // A panel without labels gets the wait as a badge.
+        const QImage badged = BadgeIcon::draw(item().imagePath(), 16, "+0");
+        QTRY_COMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(badged).bytes);
+    }
+
+    void stoppedByTheLockOrIdlenessTheTooltipReadOverTheBusSaysWhy()
+    {
+        restartWork();
+        SystemEventActions::didLockScreenShow();
+        QTRY_COMPARE(toolTipOverTheBus().text, "Stopped while the screen is locked");
+        SystemEventActions::didLockScreenDismiss();
+        QTRY_COMPARE(toolTipOverTheBus().text, "25:00");
+        AppState::setStopCause(AppState::StopCause::Idle);
+        AppState::setWorking(false);
+        QTRY_COMPARE(toolTipOverTheBus().text, "Stopped: no activity");
+        restartWork();
     }
 
     void onAPanelWithoutLabelsTheIconCarriesTheMinutesAsABadge()

@@ -63,6 +63,33 @@
     </message>
 </context>
 <context>
+    <name>BreakGate</name>
+    <message>
+        <source>Postponing breaks is off: turn it on in the settings, under Timing.</source>
+        <translation>推迟休息未开启：请在设置的“时机”中开启。</translation>
+    </message>
+    <message>
+        <source>This break was postponed once already: take it or skip it.</source>
+        <translation>这次休息已经推迟过一次：请休息或跳过。</translation>
+    </message>
+    <message>
+        <source>This break was postponed %1 times in a row already: take it or skip it.</source>
+        <translation>这次休息已经连续推迟 %1 次：请休息或跳过。</translation>
+    </message>
+    <message>
+        <source>The greeting of a new day cannot be postponed.</source>
+        <translation>新一天的问候不能推迟。</translation>
+    </message>
+    <message>
+        <source>This long break is forced: it cannot be postponed.</source>
+        <translation>这次长休息是强制的：不能推迟。</translation>
+    </message>
+    <message>
+        <source>No break is coming: the countdown is paused or stopped.</source>
+        <translation>没有即将到来的休息：倒计时已暂停或停止。</translation>
+    </message>
+</context>
+<context>
     <name>BreakStyle</name>
     <message>
         <source>Struggle</source>
@@ -78,6 +105,10 @@
     <message>
         <source>Skip</source>
         <translation>跳过</translation>
+    </message>
+    <message>
+        <source>Postpone</source>
+        <translation>推迟</translation>
     </message>
 </context>
 <context>
@@ -105,10 +136,6 @@
     <message>
         <source>Open the settings window.</source>
         <translation>打开设置窗口。</translation>
-    </message>
-    <message>
-        <source>Print the state and the countdown: working 24:13, break 03:12, paused or stopped.</source>
-        <translation>输出状态和倒计时：working 24:13、break 03:12、paused 或 stopped。</translation>
     </message>
     <message>
         <source>Quit Lulltide.</source>
@@ -174,6 +201,25 @@
         <source>Unexpected argument &apos;%1&apos;.</source>
         <translation>多余的参数“%1”。</translation>
     </message>
+    <message>
+        <source>Postpone the coming or shown break by MINUTES (default: the setting), when postponing is on in the settings.</source>
+        <translation>将即将到来或正在显示的休息推迟 MINUTES 分钟（默认为设置中的值），需在设置中开启推迟。</translation>
+    </message>
+    <message>
+        <source>Print the state and the countdown: working 24:13, break 03:12, held +03:12, paused or stopped.</source>
+        <translation>输出状态和倒计时：working 24:13、break 03:12、held +03:12、paused 或 stopped。</translation>
+    </message>
+    <message>
+        <source>MINUTES of --postpone must be a whole number from 1 to %1.</source>
+        <translation>--postpone 的 MINUTES 必须是 1 到 %1 之间的整数。</translation>
+    </message>
+</context>
+<context>
+    <name>ControlService</name>
+    <message>
+        <source>A break can be postponed by at most %1 minutes.</source>
+        <translation>休息最多只能推迟 %1 分钟。</translation>
+    </message>
 </context>
 <context>
     <name>Feedback</name>
@@ -181,6 +227,50 @@
         <source>Please use Chinese or English in your mail, if you can.</source>
         <comment>mail body</comment>
         <translation>如果可以，请用中文或英文写邮件。</translation>
+    </message>
+</context>
+<context>
+    <name>HeadsUpNotice</name>
+    <message>
+        <source>Break in %1</source>
+        <translation>%1后休息</translation>
+    </message>
+    <message>
+        <source>A long break of %1.</source>
+        <translation>一次 %1的长休息。</translation>
+    </message>
+    <message>
+        <source>A short break of %1.</source>
+        <translation>一次 %1的短休息。</translation>
+    </message>
+    <message>
+        <source>Start now</source>
+        <translation>现在开始</translation>
+    </message>
+    <message>
+        <source>Postpone</source>
+        <translation>推迟</translation>
+    </message>
+    <message>
+        <source>1 minute</source>
+        <translation>1 分钟</translation>
+    </message>
+    <message>
+        <source>%1 minutes</source>
+        <translation>%1 分钟</translation>
+    </message>
+    <message>
+        <source>1 second</source>
+        <translation>1 秒</translation>
+    </message>
+    <message>
+        <source>%1 seconds</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
+        <source>%1 %2</source>
+        <comment>minutes, then seconds</comment>
+        <translation>%1 %2</translation>
     </message>
 </context>
 <context>
@@ -339,6 +429,73 @@
     </message>
 </context>
 <context>
+    <name>PrefTimingView</name>
+    <message>
+        <source>Heads-up</source>
+        <translation>提前提醒</translation>
+    </message>
+    <message>
+        <source>Tell me before a break</source>
+        <translation>休息前提醒我</translation>
+    </message>
+    <message>
+        <source>Notify</source>
+        <translation>提前</translation>
+    </message>
+    <message>
+        <source>Seconds of notice before a break</source>
+        <translation>休息前提醒的秒数</translation>
+    </message>
+    <message>
+        <source>seconds before (10 to 600)</source>
+        <translation>秒（10 到 600）</translation>
+    </message>
+    <message>
+        <source>Postpone</source>
+        <translation>推迟</translation>
+    </message>
+    <message>
+        <source>Allow postponing breaks</source>
+        <translation>允许推迟休息</translation>
+    </message>
+    <message>
+        <source>Postpone by</source>
+        <translation>推迟</translation>
+    </message>
+    <message>
+        <source>Minutes to postpone a break by</source>
+        <translation>推迟休息的分钟数</translation>
+    </message>
+    <message>
+        <source>mins</source>
+        <translation>分钟</translation>
+    </message>
+    <message>
+        <source>At most</source>
+        <translation>最多</translation>
+    </message>
+    <message>
+        <source>Postpones in a row</source>
+        <translation>连续推迟次数</translation>
+    </message>
+    <message>
+        <source>times in a row (1 to 5)</source>
+        <translation>次（连续，1 到 5）</translation>
+    </message>
+    <message>
+        <source>Hold</source>
+        <translation>暂缓</translation>
+    </message>
+    <message>
+        <source>Hold breaks while I am presenting, in a call or watching full screen</source>
+        <translation>演示、通话或全屏观看时暂缓休息</translation>
+    </message>
+    <message>
+        <source>A due break waits while another program is full screen, an application keeps the session awake, or the desktop&apos;s Do Not Disturb is on, and comes 10 seconds after the last of them ends.</source>
+        <translation>当其他程序全屏、有应用阻止会话空闲，或桌面开启了勿扰模式时，到时的休息会等待，并在这些情况全部结束 10 秒后开始。</translation>
+    </message>
+</context>
+<context>
     <name>PreferencesView</name>
     <message>
         <source>General</source>
@@ -355,6 +512,10 @@
     <message>
         <source>About</source>
         <translation>关于</translation>
+    </message>
+    <message>
+        <source>Timing</source>
+        <translation>时机</translation>
     </message>
 </context>
 <context>
@@ -378,6 +539,30 @@
     <message>
         <source>Quit</source>
         <translation>退出</translation>
+    </message>
+    <message>
+        <source>Postpone Break</source>
+        <translation>推迟休息</translation>
+    </message>
+    <message>
+        <source>Paused</source>
+        <translation>已暂停</translation>
+    </message>
+    <message>
+        <source>Stopped while the screen is locked</source>
+        <translation>屏幕锁定，已停止</translation>
+    </message>
+    <message>
+        <source>Stopped: no activity</source>
+        <translation>无活动，已停止</translation>
+    </message>
+    <message>
+        <source>Stopped</source>
+        <translation>已停止</translation>
+    </message>
+    <message>
+        <source>Break waiting %1</source>
+        <translation>休息已等待 %1</translation>
     </message>
 </context>
 <context>

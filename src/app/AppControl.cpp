@@ -2,6 +2,7 @@
 #include "AppControl.h"
 
 #include "AppState.h"
+#include "BreakGate.h"
 #include "break/PromptState.h"
 #include "break/WindowController.h"
 #include "logging/Logger.h"
@@ -18,6 +19,9 @@ Status status()
     status.working = AppState::working();
     status.manualPause = AppState::manualPause();
     status.inBreak = WindowController::isBreakShown();
+    status.held = AppState::breakGate().held();
+    if (status.held)
+        status.heldTimeString = AppState::breakGate().heldTimeString();
     status.workTimeString = AppState::workState().timeString();
     status.breakTimeString = AppState::breakState().timeString();
     return status;
@@ -29,6 +33,8 @@ QString statusLine(const Status& status)
         return QStringLiteral("break ") + status.breakTimeString;
     if (status.manualPause)
         return QStringLiteral("paused");
+    if (status.held)
+        return QStringLiteral("held ") + status.heldTimeString;
     if (status.working)
         return QStringLiteral("working ") + status.workTimeString;
     return QStringLiteral("stopped");
@@ -77,6 +83,16 @@ bool skip()
         return false;
     AppState::promptState().skip();
     return true;
+}
+
+QString postpone(double minutes)
+{
+    return AppState::breakGate().postpone(minutes * 60.0);
+}
+
+void startBreakNow()
+{
+    AppState::breakGate().startNow();
 }
 
 void showSettings()

@@ -11,14 +11,17 @@ struct Status {
     bool working = false;
     bool manualPause = false;
     bool inBreak = false;
+    // A due break waiting for what holds it; heldTimeString is the wait, "+03:12".
+    bool held = false;
+    QString heldTimeString;
     QString workTimeString;
     QString breakTimeString;
 };
 
 Status status();
 
-// One line for people and scripts: "working 24:13", "break 03:12", "paused" or "stopped"
-// (counting stopped by idleness or the screen lock).
+// One line for people and scripts: "working 24:13", "break 03:12", "held +03:12", "paused" or
+// "stopped" (counting stopped by idleness or the screen lock).
 QString statusLine(const Status& status);
 
 // Pauses by hand as the menu's pause entry does; nothing when already paused. A break on the
@@ -33,6 +36,11 @@ void resume();
 void togglePause();
 // The Skip button: false (and nothing happens) when no break is up or the break is forced.
 bool skip();
+// Moves the coming or shown break `minutes` from now (the setting when 0): the Postpone button,
+// the heads-up's action, the menu, the command line and the bus. Empty when done, else why not.
+QString postpone(double minutes);
+// The heads-up's "Start now".
+void startBreakNow();
 void showSettings();
 // Ends the program once the current event (a bus call's reply) is done.
 void quit();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppState.h"
 
+#include "BreakGate.h"
 #include "StateChanges.h"
 #include "WorkItem.h"
 #include "break/PromptState.h"
@@ -17,6 +18,7 @@ namespace AppState {
 namespace {
 bool manualPauseValue = false;
 bool workingValue = true;
+StopCause stopCauseValue = StopCause::None;
 std::shared_ptr<WorkItem> pendingIdleItem;
 } // namespace
 
@@ -28,7 +30,19 @@ bool manualPause()
 void setManualPause(bool manualPause)
 {
     manualPauseValue = manualPause;
+    if (manualPause)
+        stopCauseValue = StopCause::Pause;
     setWorking(!manualPauseValue);
+}
+
+StopCause stopCause()
+{
+    return stopCauseValue;
+}
+
+void setStopCause(StopCause cause)
+{
+    stopCauseValue = cause;
 }
 
 bool working()
@@ -43,6 +57,7 @@ void setWorking(bool working)
     QString image;
     QString title;
     if (workingValue) {
+        stopCauseValue = StopCause::None;
         TicktackController::work(prefState().workTime());
         image = QStringLiteral("stop.circle");
         title = QCoreApplication::translate("AppState", "- Stop -");
@@ -74,6 +89,12 @@ StateChanges& changes()
 {
     static StateChanges* notifier = new StateChanges;
     return *notifier;
+}
+
+BreakGate& breakGate()
+{
+    static BreakGate* gate = new BreakGate;
+    return *gate;
 }
 
 PromptState& promptState()

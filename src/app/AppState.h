@@ -3,6 +3,7 @@
 
 #include <memory>
 
+class BreakGate;
 class PrefState;
 class StateChanges;
 class PromptState;
@@ -19,6 +20,12 @@ bool manualPause();
 // Stores the value, then sets working to its opposite.
 void setManualPause(bool manualPause);
 
+// Why the countdown stands still, for the panel's tooltip and scripts.
+enum class StopCause { None, Pause, Lock, Idle };
+StopCause stopCause();
+// Kept until the next setWorking(true); set it before setWorking(false).
+void setStopCause(StopCause cause);
+
 bool working();
 // Stores the value, then starts a fresh work period (true) or stops the countdown (false) and
 // retitles the pause entry of the status menu. Runs on every assignment, also of the same value.
@@ -32,6 +39,7 @@ void setMouseMoveEventItem(std::shared_ptr<WorkItem> item);
 StateChanges& changes();
 
 PromptState& promptState();
+BreakGate& breakGate();
 PrefState& prefState();
 TicktackState& workState();
 TicktackState& breakState();

@@ -29,14 +29,20 @@ const Command commands[] = {
     {"toggle-pause", "TogglePause",
      QT_TRANSLATE_NOOP("CommandLine", "Pause when working, resume when paused.")},
     {"skip", "Skip", QT_TRANSLATE_NOOP("CommandLine", "End the break that is up, as its Skip button does.")},
+    {"postpone", "Postpone",
+     QT_TRANSLATE_NOOP("CommandLine",
+                       "Postpone the coming or shown break by MINUTES (default: the setting), when "
+                       "postponing is on in the settings.")},
     {"settings", "ShowSettings", QT_TRANSLATE_NOOP("CommandLine", "Open the settings window.")},
     {"status", nullptr,
      QT_TRANSLATE_NOOP("CommandLine",
-                       "Print the state and the countdown: working 24:13, break 03:12, paused or stopped.")},
+                       "Print the state and the countdown: working 24:13, break 03:12, held +03:12, paused "
+                       "or stopped.")},
     {"quit", "Quit", QT_TRANSLATE_NOOP("CommandLine", "Quit Lulltide.")},
 };
 
-const Command& settingsCommand = commands[4];
+const Command& settingsCommand = commands[5];
+const Command& postponeCommand = commands[4];
 
 // The command line's own connection: main() may go on to make the QApplication, whose
 // default session bus must start afresh.
@@ -144,6 +150,11 @@ Holder askHolder(const QDBusConnection& bus)
 
 int printStatus(const QVariantMap& state)
 {
+    const QString line = state.value(QStringLiteral("Status")).toString();
+    if (!line.isEmpty()) {
+        printLine(stdout, line);
+        return Done;
+    }
     AppControl::Status status;
     status.working = state.value(QStringLiteral("Working")).toBool();
     status.manualPause = state.value(QStringLiteral("ManualPause")).toBool();
@@ -154,13 +165,16 @@ int printStatus(const QVariantMap& state)
     return Done;
 }
 
-int send(const QDBusConnection& bus, const Command& command)
+int send(const QDBusConnection& bus, const Command& command, const QVariantList& arguments = {})
 {
-    const QDBusMessage reply = call(bus, ControlService::interfaceName, QString::fromLatin1(command.method));
+    const QDBusMessage reply =
+        call(bus, ControlService::interfaceName, QString::fromLatin1(command.method), arguments);
     if (reply.type() == QDBusMessage::ReplyMessage)
         return Done;
     if (reply.errorName() == ControlService::cannotSkipError)
         printLine(stderr, tr("This break cannot be skipped: long breaks are forced."));
+    else if (reply.errorName() == ControlService::cannotPostponeError)
+        printLine(stderr, reply.errorMessage());
     else
         printLine(stderr, tr("Lulltide did not answer: %1").arg(reply.errorMessage()));
     return Failed;
@@ -168,7 +182,7 @@ int send(const QDBusConnection& bus, const Command& command)
 
 // Hands `command` to whoever holds the name; a null command is a plain launch, which asks
 // the running Lulltide to show its settings, as single-instance desktop programs do.
-int talkToHolder(const QDBusConnection& bus, const Command* command)
+int talkToHolder(const QDBusConnection& bus, const Command* command, const QVariantList& arguments = {})
 {
     const bool launching = !command || command == &settingsCommand;
     const Holder holder = askHolder(bus);
@@ -195,7 +209,33 @@ int talkToHolder(const QDBusConnection& bus, const Command* command)
     }
     if (!command->method)
         return printStatus(holder.state);
-    return send(bus, *command);
+    return send(bus, *command, arguments);
+}
+
+// "--postpone=10" reads as "--postpone 10": the minutes are an optional argument of the option.
+QStringList withPostponeMinutesApart(QStringList arguments)
+{
+    const QString prefix = QStringLiteral("--postpone=");
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        if (arguments.at(i) == QLatin1String("--"))
+            break;
+        if (arguments.at(i).startsWith(prefix)) {
+            const QString minutes = arguments.at(i).mid(prefix.size());
+            arguments[i] = QStringLiteral("--postpone");
+            arguments.insert(i + 1, minutes);
+        }
+    }
+    return arguments;
+}
+
+// MINUTES of --postpone: a whole number from 1 to the longest postpone.
+std::optional<uint> postponeMinutes(const QString& text)
+{
+    bool ok = false;
+    const uint minutes = text.trimmed().toUInt(&ok);
+    if (!ok || minutes == 0 || minutes > ControlService::maxPostponeMinutes)
+        return std::nullopt;
+    return minutes;
 }
 
 // The command line's connection, let go when the reading is over.
@@ -222,7 +262,7 @@ Outcome read()
     for (const Command& command : commands)
         parser.addOption(QCommandLineOption(QString::fromLatin1(command.option), tr(command.description)));
 
-    if (!parser.parse(QCoreApplication::arguments()))
+    if (!parser.parse(withPostponeMinutesApart(QCoreApplication::arguments())))
         return usageError(parser.errorText());
     if (parser.isSet(help)) {
         std::fputs(qPrintable(helpText(parser)), stdout);
@@ -233,8 +273,21 @@ Outcome read()
                   QCoreApplication::applicationName() + u' ' + QCoreApplication::applicationVersion());
         return finished(Done);
     }
-    if (!parser.positionalArguments().isEmpty())
-        return usageError(tr("Unexpected argument '%1'.").arg(parser.positionalArguments().constFirst()));
+    QStringList positional = parser.positionalArguments();
+    QVariantList arguments;
+    if (parser.isSet(QString::fromLatin1(postponeCommand.option))) {
+        uint minutes = 0;
+        if (!positional.isEmpty()) {
+            const auto given = postponeMinutes(positional.takeFirst());
+            if (!given)
+                return usageError(tr("MINUTES of --postpone must be a whole number from 1 to %1.")
+                                      .arg(ControlService::maxPostponeMinutes));
+            minutes = *given;
+        }
+        arguments << QVariant::fromValue(minutes);
+    }
+    if (!positional.isEmpty())
+        return usageError(tr("Unexpected argument '%1'.").arg(positional.constFirst()));
 
     const Command* requested = nullptr;
     for (const Command& command : commands) {
@@ -262,7 +315,7 @@ Outcome read()
         printLine(stderr, tr("Lulltide is not running."));
         return finished(Failed);
     }
-    return finished(talkToHolder(client.bus, requested));
+    return finished(talkToHolder(client.bus, requested, arguments));
 }
 
 int handOver(const QDBusConnection& bus, bool showSettings)

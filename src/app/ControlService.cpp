@@ -2,6 +2,7 @@
 #include "ControlService.h"
 
 #include "AppState.h"
+#include "BreakGate.h"
 #include "Config.h"
 #include "StateChanges.h"
 #include "logging/Logger.h"
@@ -15,15 +16,19 @@ const QString ControlService::serviceName = QString::fromUtf8(Config::appId);
 const QString ControlService::objectPath = QStringLiteral("/org/lulltide/Lulltide");
 const QString ControlService::interfaceName = QStringLiteral("org.lulltide.Lulltide");
 const QString ControlService::cannotSkipError = QStringLiteral("org.lulltide.Lulltide.Error.CannotSkip");
+const QString ControlService::cannotPostponeError =
+    QStringLiteral("org.lulltide.Lulltide.Error.CannotPostpone");
 
 ControlService::ControlService(QDBusConnection connection, QObject* parent)
-    : QObject(parent), m_connection(std::move(connection)), m_announced(AppControl::status())
+    : QObject(parent), m_connection(std::move(connection)), m_announced(AppControl::status()),
+      m_announcedStatus(AppControl::statusLine(m_announced))
 {
     m_countdownPending.setSingleShot(true);
     connect(&m_countdownPending, &QTimer::timeout, this, &ControlService::announce);
     connect(&AppState::changes(), &StateChanges::changed, this, &ControlService::announce);
     connect(&AppState::workState(), &TicktackState::timeStringChanged, this, &ControlService::announce);
     connect(&AppState::breakState(), &TicktackState::timeStringChanged, this, &ControlService::announce);
+    connect(&AppState::breakGate(), &BreakGate::changed, this, &ControlService::announce);
 }
 
 ControlService::Claim ControlService::claim()
@@ -58,6 +63,19 @@ void ControlService::Skip()
     sendErrorReply(cannotSkipError, QStringLiteral("This break cannot be skipped: long breaks are forced."));
 }
 
+void ControlService::Postpone(uint minutes)
+{
+    QString refusal;
+    if (minutes > maxPostponeMinutes)
+        refusal =
+            QCoreApplication::translate("ControlService", "A break can be postponed by at most %1 minutes.")
+                .arg(maxPostponeMinutes);
+    else
+        refusal = AppControl::postpone(minutes);
+    if (!refusal.isEmpty() && calledFromDBus())
+        sendErrorReply(cannotPostponeError, refusal);
+}
+
 void ControlService::sessionBusLost()
 {
     logger().warning(
@@ -76,8 +94,14 @@ void ControlService::announce()
     if (now.inBreak != m_announced.inBreak)
         changed.insert(QStringLiteral("InBreak"), now.inBreak);
 
-    const bool countdownChanged = now.workTimeString != m_announced.workTimeString ||
-                                  now.breakTimeString != m_announced.breakTimeString;
+    // The status line moves with the countdown, and at once when the state itself changed.
+    const QString status = AppControl::statusLine(now);
+    if (!changed.isEmpty() && status != m_announcedStatus)
+        changed.insert(QStringLiteral("Status"), status);
+    const bool countdownChanged =
+        now.workTimeString != m_announced.workTimeString ||
+        now.breakTimeString != m_announced.breakTimeString ||
+        (status != m_announcedStatus && !changed.contains(QStringLiteral("Status")));
     if (countdownChanged) {
         const qint64 since = m_sinceCountdown.isValid() ? m_sinceCountdown.elapsed() : countdownInterval;
         if (since >= countdownInterval - countdownSlack) {
@@ -85,6 +109,8 @@ void ControlService::announce()
                 changed.insert(QStringLiteral("WorkTimeString"), now.workTimeString);
             if (now.breakTimeString != m_announced.breakTimeString)
                 changed.insert(QStringLiteral("BreakTimeString"), now.breakTimeString);
+            if (status != m_announcedStatus)
+                changed.insert(QStringLiteral("Status"), status);
             m_sinceCountdown.start();
             m_countdownPending.stop();
         } else if (!m_countdownPending.isActive()) {
@@ -107,6 +133,8 @@ void ControlService::announce()
         m_announced.workTimeString = now.workTimeString;
     if (changed.contains(QStringLiteral("BreakTimeString")))
         m_announced.breakTimeString = now.breakTimeString;
+    if (changed.contains(QStringLiteral("Status")))
+        m_announcedStatus = status;
 
     QDBusMessage signal = QDBusMessage::createSignal(
         objectPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"));

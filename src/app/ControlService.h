@@ -20,6 +20,7 @@ class ControlService : public QObject, protected QDBusContext {
     Q_PROPERTY(bool InBreak READ inBreak)
     Q_PROPERTY(QString WorkTimeString READ workTimeString)
     Q_PROPERTY(QString BreakTimeString READ breakTimeString)
+    Q_PROPERTY(QString Status READ statusLine)
 
 public:
     static const QString serviceName;
@@ -27,6 +28,10 @@ public:
     static const QString interfaceName;
     // The error Skip() answers with during a break that may not be skipped.
     static const QString cannotSkipError;
+    // The error Postpone() answers with when the break cannot be postponed; its message says why.
+    static const QString cannotPostponeError;
+    // The longest postpone a caller may ask for, in minutes.
+    static constexpr uint maxPostponeMinutes = 24 * 60;
 
     enum class Claim { Owned, AlreadyRunning, NoBus };
 
@@ -40,6 +45,7 @@ public:
     bool inBreak() const { return AppControl::status().inBreak; }
     QString workTimeString() const { return AppControl::status().workTimeString; }
     QString breakTimeString() const { return AppControl::status().breakTimeString; }
+    QString statusLine() const { return AppControl::statusLine(AppControl::status()); }
 
     // The shortest time between two announcements of the countdown texts, and a little less:
     // one tick a second must get through even when the clock reads it a few milliseconds early.
@@ -53,6 +59,8 @@ public slots:
     // Ends the break that is up; a forced long break is refused with cannotSkipError, so the
     // caller can say why nothing happened. With no break up there is nothing to do.
     void Skip();
+    // Moves the break `minutes` from now, 0 for the setting; refused with cannotPostponeError.
+    void Postpone(uint minutes);
     void ShowSettings() { AppControl::showSettings(); }
     void Quit() { AppControl::quit(); }
 
@@ -68,6 +76,7 @@ private:
 
     QDBusConnection m_connection;
     AppControl::Status m_announced;
+    QString m_announcedStatus;
     QElapsedTimer m_sinceCountdown;
     QTimer m_countdownPending;
 };

@@ -3,7 +3,8 @@ import QtQuick
 import QtQuick.Layouts
 import Lulltide
 
-// The break screen: the prompt, the break countdown and, unless the break is forced, Skip.
+// The break screen: the prompt, the break countdown and, unless the break is forced, Skip (and
+// Postpone, when that is on).
 Rectangle {
     id: root
     objectName: "breakView"
@@ -18,6 +19,10 @@ Rectangle {
 
     function skipAction() {
         promptState.skip()
+    }
+
+    function postponeAction() {
+        promptState.postpone()
     }
 
     SystemPalette {
@@ -71,45 +76,25 @@ Rectangle {
             ticktack: root.breakState
         }
 
-        // A capsule button drawn here rather than taken from Qt Quick Controls: loading the
-        // controls' style would delay the first break screen by a tenth of a second.
-        Rectangle {
-            id: skipButton
-            objectName: "skipButton"
+        RowLayout {
             Layout.alignment: Qt.AlignHCenter
-            visible: root.promptState.showSkipButton
-            implicitWidth: skipLabel.implicitWidth + 32
-            implicitHeight: skipLabel.implicitHeight + 16
-            radius: height / 2
-            color: skipArea.pressed ? "#0062CC" : "#007AFF"
-            border.width: activeFocus ? 2 : 0
-            border.color: Qt.lighter(color, 1.6)
-            // Reached with Tab only: a key pressed as the break appears must not skip it.
-            activeFocusOnTab: true
+            spacing: 12
 
-            readonly property alias text: skipLabel.text
-
-            Accessible.role: Accessible.Button
-            Accessible.name: skipLabel.text
-            Accessible.onPressAction: root.skipAction()
-            Keys.onReturnPressed: root.skipAction()
-            Keys.onEnterPressed: root.skipAction()
-            Keys.onSpacePressed: root.skipAction()
-
-            Text {
-                id: skipLabel
-                anchors.centerIn: parent
+            CapsuleButton {
+                id: skipButton
+                objectName: "skipButton"
+                visible: root.promptState.showSkipButton
                 text: qsTr("Skip")
-                color: "white"
-                font.pixelSize: 13
-                font.bold: true
+                onActivated: root.skipAction()
             }
 
-            MouseArea {
-                id: skipArea
-                anchors.fill: parent
-                cursorShape: Qt.PointingHandCursor
-                onClicked: root.skipAction()
+            // Only while postponing is on and left, and never on a forced long break.
+            CapsuleButton {
+                id: postponeButton
+                objectName: "postponeButton"
+                visible: root.promptState.showPostponeButton
+                text: qsTr("Postpone")
+                onActivated: root.postponeAction()
             }
         }
     }

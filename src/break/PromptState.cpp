@@ -4,13 +4,16 @@
 #include "BreakStyle.h"
 #include "PrefStyleState.h"
 #include "WindowController.h"
+#include "app/AppControl.h"
 #include "app/AppState.h"
+#include "app/BreakGate.h"
 #include "app/WorkItem.h"
 #include "logging/Logger.h"
 #include "preferences/PrefState.h"
 #include "timer/TicktackController.h"
 
 #include <QRandomGenerator>
+#include <utility>
 
 PromptState::PromptState(QObject* parent) : QObject(parent), m_prompt(AppState::prefState().breakPrompt()) {}
 
@@ -37,7 +40,9 @@ void PromptState::showBreak()
     const qint64 rotation = prefs.shortBreakTimes();
     if (rotation == 0)
         qFatal("short_break_times is 0: a rotation needs at least one break");
-    m_shortBreakTimes = (m_shortBreakTimes + 1) % rotation;
+    const bool repeat = std::exchange(m_repeat, false);
+    if (!repeat)
+        m_shortBreakTimes = (m_shortBreakTimes + 1) % rotation;
 
     if (const auto idleItem = AppState::mouseMoveEventItem())
         idleItem->cancel();
@@ -48,7 +53,8 @@ void PromptState::showBreak()
     }
 
     double seconds = prefs.breakTime();
-    if (m_shortBreakTimes == 0) {
+    m_kind = (repeat ? m_kind == Kind::Long : m_shortBreakTimes == 0) ? Kind::Long : Kind::Short;
+    if (m_kind == Kind::Long) {
         // Every long break shows the long-break prompt; the "custom" switch only reveals its editor.
         setPrompt(prefs.longBreakPrompt());
         setShowSkipButton(!prefs.forceLongBreak());
@@ -63,12 +69,15 @@ void PromptState::showBreak()
         setPrompt(prompt);
         setShowSkipButton(true);
     }
+    updatePostponeButton();
     TicktackController::break_(seconds);
 }
 
 void PromptState::showNewDay()
 {
+    m_kind = Kind::NewDay;
     setPrompt(newDayPrompt());
+    updatePostponeButton();
     if (!WindowController::showBreak()) {
         skipUnshownBreak();
         return;
@@ -92,10 +101,39 @@ void PromptState::skipUnshownBreak()
 void PromptState::resetShortBreakTimes()
 {
     m_shortBreakTimes = 0;
+    m_repeat = false;
+}
+
+PromptState::Kind PromptState::nextKind() const
+{
+    if (m_repeat)
+        return m_kind;
+    const qint64 rotation = AppState::prefState().shortBreakTimes();
+    return rotation != 0 && (m_shortBreakTimes + 1) % rotation == 0 ? Kind::Long : Kind::Short;
+}
+
+void PromptState::repeatBreak()
+{
+    m_repeat = true;
+}
+
+void PromptState::updatePostponeButton()
+{
+    const bool show = m_kind != Kind::NewDay && m_showSkipButton && AppState::breakGate().postponeAllowed();
+    if (show == m_showPostponeButton)
+        return;
+    m_showPostponeButton = show;
+    emit showPostponeButtonChanged();
+}
+
+void PromptState::postpone()
+{
+    AppControl::postpone(0);
 }
 
 void PromptState::skip()
 {
     logger().info(QStringLiteral("skip break view"));
+    AppState::breakGate().breakFinished();
     AppState::promptState().closePrompt();
 }

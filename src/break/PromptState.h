@@ -13,8 +13,11 @@ class PromptState : public QObject {
     QML_UNCREATABLE("The break screen's state belongs to the application")
     Q_PROPERTY(QString prompt READ prompt WRITE setPrompt NOTIFY promptChanged)
     Q_PROPERTY(bool showSkipButton READ showSkipButton WRITE setShowSkipButton NOTIFY showSkipButtonChanged)
+    Q_PROPERTY(bool showPostponeButton READ showPostponeButton NOTIFY showPostponeButtonChanged)
 
 public:
+    enum class Kind { Short, Long, NewDay };
+
     // Starts with the user's short-break prompt.
     explicit PromptState(QObject* parent = nullptr);
 
@@ -23,6 +26,19 @@ public:
 
     bool showSkipButton() const { return m_showSkipButton; }
     void setShowSkipButton(bool show);
+
+    // Postpone beside Skip: while postponing is allowed and left, never on a forced long break
+    // (no way out but waiting) nor on the greeting of a new day.
+    bool showPostponeButton() const { return m_showPostponeButton; }
+    void updatePostponeButton();
+
+    // The break on the screen, or the last one shown.
+    Kind kind() const { return m_kind; }
+    // The kind of break the end of the running work period brings.
+    Kind nextKind() const;
+    // The break on the screen was postponed: the next one is of the same kind and does not move
+    // the rotation again.
+    void repeatBreak();
 
     // Where the rotation stands: 0 right after a long break (and at start).
     qint64 shortBreakTimes() const { return m_shortBreakTimes; }
@@ -39,17 +55,23 @@ public:
 
     // The break view's skip action: the Skip button, or the end of the break countdown.
     Q_INVOKABLE void skip();
+    // The break view's Postpone button.
+    Q_INVOKABLE void postpone();
 
     static QString newDayPrompt();
 
 signals:
     void promptChanged();
     void showSkipButtonChanged();
+    void showPostponeButtonChanged();
 
 private:
     void skipUnshownBreak();
 
     QString m_prompt;
     bool m_showSkipButton = false;
+    bool m_showPostponeButton = false;
+    Kind m_kind = Kind::Short;
+    bool m_repeat = false;
     qint64 m_shortBreakTimes = 0;
 };

@@ -33,6 +33,7 @@ void didLockScreenShow()
     if (prefs.showNewDayTip())
         prefs.setLastWeakupTimestamp(secondsNow());
     if (prefs.restartTimerAfterAwake()) {
+        AppState::setStopCause(AppState::StopCause::Lock);
         AppState::setWorking(false);
         WindowController::closeBreak();
     }
@@ -71,7 +72,12 @@ void onTrigger()
         // Posted rather than done here: once the timeout has begun, a cancel no longer holds
         // the stop back.
         QMetaObject::invokeMethod(
-            QCoreApplication::instance(), [] { AppState::setWorking(false); }, Qt::QueuedConnection);
+            QCoreApplication::instance(),
+            [] {
+                AppState::setStopCause(AppState::StopCause::Idle);
+                AppState::setWorking(false);
+            },
+            Qt::QueuedConnection);
     }));
 }
 

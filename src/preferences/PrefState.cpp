@@ -11,6 +11,7 @@
 #include <QSettings>
 #include <QStringList>
 #include <QtDebug>
+#include <algorithm>
 
 namespace {
 
@@ -252,6 +253,72 @@ void PrefState::setToldNoPanel(bool value)
     emit toldNoPanelChanged();
 }
 
+bool PrefState::headsUp() const
+{
+    return readBool(headsUpKey, false);
+}
+
+void PrefState::setHeadsUp(bool value)
+{
+    write(headsUpKey, value);
+    emit headsUpChanged();
+}
+
+QString PrefState::headsUpSecondsString() const
+{
+    return readText(headsUpSecondsStringKey, QStringLiteral("60"));
+}
+
+void PrefState::setHeadsUpSecondsString(const QString& value)
+{
+    write(headsUpSecondsStringKey, value);
+    emit headsUpSecondsStringChanged();
+}
+
+bool PrefState::allowPostpone() const
+{
+    return readBool(allowPostponeKey, false);
+}
+
+void PrefState::setAllowPostpone(bool value)
+{
+    write(allowPostponeKey, value);
+    emit allowPostponeChanged();
+}
+
+QString PrefState::postponeMinutesString() const
+{
+    return readText(postponeMinutesStringKey, QStringLiteral("5"));
+}
+
+void PrefState::setPostponeMinutesString(const QString& value)
+{
+    write(postponeMinutesStringKey, value);
+    emit postponeMinutesStringChanged();
+}
+
+QString PrefState::postponeLimitString() const
+{
+    return readText(postponeLimitStringKey, QStringLiteral("2"));
+}
+
+void PrefState::setPostponeLimitString(const QString& value)
+{
+    write(postponeLimitStringKey, value);
+    emit postponeLimitStringChanged();
+}
+
+bool PrefState::holdBreaks() const
+{
+    return readBool(holdBreaksKey, false);
+}
+
+void PrefState::setHoldBreaks(bool value)
+{
+    write(holdBreaksKey, value);
+    emit holdBreaksChanged();
+}
+
 void PrefState::setStyleState(PrefStyleState* styleState)
 {
     m_styleState = styleState;
@@ -276,4 +343,22 @@ double PrefState::longBreakTime() const
 qint64 PrefState::shortBreakTimes() const
 {
     return NumberParsing::parseInteger(shortBreakTimesString()).value_or(4);
+}
+
+double PrefState::headsUpSeconds() const
+{
+    const double seconds = NumberParsing::parseDouble(headsUpSecondsString()).value_or(60.0);
+    return std::clamp(seconds, 10.0, 600.0);
+}
+
+double PrefState::postponeTime() const
+{
+    const double minutes = NumberParsing::parseDouble(postponeMinutesString()).value_or(5.0);
+    return (minutes > 0 ? minutes : 5.0) * 60.0;
+}
+
+qint64 PrefState::postponeLimit() const
+{
+    const qint64 limit = NumberParsing::parseInteger(postponeLimitString()).value_or(2);
+    return std::clamp<qint64>(limit, 1, 5);
 }

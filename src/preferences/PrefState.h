@@ -44,6 +44,15 @@ class PrefState : public QObject {
     Q_PROPERTY(bool showNewDayTip READ showNewDayTip WRITE setShowNewDayTip NOTIFY showNewDayTipChanged)
     Q_PROPERTY(double lastWeakupTimestamp READ lastWeakupTimestamp WRITE setLastWeakupTimestamp NOTIFY
                    lastWeakupTimestampChanged)
+    Q_PROPERTY(bool headsUp READ headsUp WRITE setHeadsUp NOTIFY headsUpChanged)
+    Q_PROPERTY(QString headsUpSecondsString READ headsUpSecondsString WRITE setHeadsUpSecondsString NOTIFY
+                   headsUpSecondsStringChanged)
+    Q_PROPERTY(bool allowPostpone READ allowPostpone WRITE setAllowPostpone NOTIFY allowPostponeChanged)
+    Q_PROPERTY(QString postponeMinutesString READ postponeMinutesString WRITE setPostponeMinutesString NOTIFY
+                   postponeMinutesStringChanged)
+    Q_PROPERTY(QString postponeLimitString READ postponeLimitString WRITE setPostponeLimitString NOTIFY
+                   postponeLimitStringChanged)
+    Q_PROPERTY(bool holdBreaks READ holdBreaks WRITE setHoldBreaks NOTIFY holdBreaksChanged)
     Q_PROPERTY(bool toldNoPanel READ toldNoPanel WRITE setToldNoPanel NOTIFY toldNoPanelChanged)
     Q_PROPERTY(PrefStyleState* styleState READ styleState WRITE setStyleState NOTIFY styleStateChanged)
     Q_PROPERTY(double workTime READ workTime NOTIFY workTimeStringChanged)
@@ -70,6 +79,12 @@ public:
     static constexpr const char showNewDayTipKey[] = "show_new_day_tip";
     static constexpr const char lastWeakupTimestampKey[] = "last_weakup_timestamp";
     static constexpr const char toldNoPanelKey[] = "told_no_panel";
+    static constexpr const char headsUpKey[] = "heads_up";
+    static constexpr const char headsUpSecondsStringKey[] = "heads_up_seconds";
+    static constexpr const char allowPostponeKey[] = "allow_postpone";
+    static constexpr const char postponeMinutesStringKey[] = "postpone_minutes";
+    static constexpr const char postponeLimitStringKey[] = "postpone_limit";
+    static constexpr const char holdBreaksKey[] = "hold_breaks";
 
     // Reads nothing and writes nothing: values are read when they are asked for.
     explicit PrefState(QObject* parent = nullptr);
@@ -128,6 +143,25 @@ public:
     bool toldNoPanel() const;
     void setToldNoPanel(bool value);
 
+    // A notification shortly before each break.
+    bool headsUp() const;
+    void setHeadsUp(bool value);
+    QString headsUpSecondsString() const;
+    void setHeadsUpSecondsString(const QString& value);
+
+    // Postponing a break that is due or up, a limited number of times in a row.
+    bool allowPostpone() const;
+    void setAllowPostpone(bool value);
+    QString postponeMinutesString() const;
+    void setPostponeMinutesString(const QString& value);
+    QString postponeLimitString() const;
+    void setPostponeLimitString(const QString& value);
+
+    // Holding a due break while another program is full screen, keeps the session awake, or the
+    // desktop's Do Not Disturb is on.
+    bool holdBreaks() const;
+    void setHoldBreaks(bool value);
+
     PrefStyleState* styleState() const { return m_styleState; }
     void setStyleState(PrefStyleState* styleState);
 
@@ -139,6 +173,12 @@ public:
     double longBreakTime() const;
     // Every N-th break is long: short_break_times as a whole number, 4 when it is not one.
     qint64 shortBreakTimes() const;
+    // The heads-up's lead in seconds: heads_up_seconds within 10-600, 60 when not a number.
+    double headsUpSeconds() const;
+    // Postpone length in seconds: postpone_minutes × 60, 5 minutes when not a positive number.
+    double postponeTime() const;
+    // Postpones allowed in a row: postpone_limit within 1-5, 2 when not a whole number.
+    qint64 postponeLimit() const;
 
 signals:
     void launchAtLoginChanged();
@@ -158,6 +198,12 @@ signals:
     void showNewDayTipChanged();
     void lastWeakupTimestampChanged();
     void toldNoPanelChanged();
+    void headsUpChanged();
+    void headsUpSecondsStringChanged();
+    void allowPostponeChanged();
+    void postponeMinutesStringChanged();
+    void postponeLimitStringChanged();
+    void holdBreaksChanged();
     void styleStateChanged();
 
 private:

@@ -5,7 +5,7 @@ import QtQuick.Layouts
 import Lulltide
 import Lulltide
 
-// The settings window's content: four tabs, opening on the first. Every control writes its
+// The settings window's content: the tabs, opening on the first. Every control writes its
 // setting at once; there is nothing to apply or cancel.
 Page {
     id: root
@@ -38,6 +38,12 @@ Page {
             width: Math.max(96, implicitWidth)
         }
         TabButton {
+            objectName: "timingTab"
+            text: qsTr("Timing")
+            icon.name: "appointment-soon"
+            width: Math.max(96, implicitWidth)
+        }
+        TabButton {
             objectName: "aboutTab"
             text: qsTr("About")
             icon.name: "help-about"
@@ -57,6 +63,9 @@ Page {
         }
         PrefStyleView {
             styleState: root.prefState.styleState
+        }
+        PrefTimingView {
+            prefState: root.prefState
         }
         PrefAboutView {
             appInfo: root.appInfo

@@ -13,19 +13,23 @@ namespace BadgeIcon {
 QString badgeText(const QString& countdown)
 {
     // "MM:SS", with the hours written before the minutes when there are any: "HHMM:SS".
-    static const QRegularExpression format(QStringLiteral("^(\\d*)(\\d\\d):\\d\\d$"));
+    // A held break's wait ("+03:12") gets its sign: the minutes count up, not down.
+    static const QRegularExpression format(QStringLiteral("^(\\+?)(\\d*)(\\d\\d):\\d\\d$"));
     const QRegularExpressionMatch match = format.match(countdown);
     if (!match.hasMatch())
         return {};
-    const long long hours = match.captured(1).isEmpty() ? 0 : match.captured(1).toLongLong();
-    const long long minutes = hours * 60 + match.captured(2).toLongLong();
+    const QString sign = match.captured(1);
+    const long long hours = match.captured(2).isEmpty() ? 0 : match.captured(2).toLongLong();
+    const long long minutes = hours * 60 + match.captured(3).toLongLong();
     // Three digits do not fit a 16-pixel icon; from 100 minutes on the hours say enough.
-    if (minutes < 100)
+    if (minutes < (sign.isEmpty() ? 100 : 10))
+        return sign + QString::number(minutes);
+    if (!sign.isEmpty() && minutes < 60)
         return QString::number(minutes);
-    return QString::number(minutes / 60) + u'h';
+    return sign + QString::number(minutes / 60) + u'h';
 }
 
-QImage draw(const QString& svgPath, int size, const QString& badge)
+QImage draw(const QString& svgPath, int size, const QString& badge, bool dimmed)
 {
     QSvgRenderer renderer(svgPath);
     if (!renderer.isValid())
@@ -34,7 +38,10 @@ QImage draw(const QString& svgPath, int size, const QString& badge)
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (dimmed)
+        painter.setOpacity(0.35);
     renderer.render(&painter, QRectF(0, 0, size, size));
+    painter.setOpacity(1.0);
 
     if (!badge.isEmpty()) {
         // A deep blue pill with a light rim and white digits reads on light and dark panels and

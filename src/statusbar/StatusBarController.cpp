@@ -4,12 +4,15 @@
 #include "AppInfo.h"
 #include "Config.h"
 #include "Feedback.h"
+#include "HeadsUpNotice.h"
 #include "StatusItem.h"
 #include "StatusItemExporter.h"
 #include "StatusMenu.h"
 #include "StatusMenuItem.h"
 #include "app/AppControl.h"
 #include "app/AppState.h"
+#include "app/BreakGate.h"
+#include "app/StateChanges.h"
 #include "break/PromptState.h"
 #include "break/WindowController.h"
 #include "preferences/PrefState.h"
@@ -22,6 +25,7 @@ namespace StatusBarController {
 namespace {
 
 const QString muyuImage = QStringLiteral(":/icons/muyu.svg");
+constexpr int postponeItemTag = 9002;
 
 StatusMenuItem* entry(const QString& title, const QString& image, const QString& key,
                       std::function<void()> action)
@@ -63,25 +67,77 @@ StatusMenu* buildMenu()
     return menu;
 }
 
+// The countdown, empty once the work period has ended, or how long a held break has waited.
+QString currentTitle()
+{
+    const BreakGate& gate = AppState::breakGate();
+    if (gate.held())
+        return gate.heldTimeString();
+    const TicktackState& work = AppState::workState();
+    return work.timesUp() ? QString() : work.timeString();
+}
+
 // Runs for every value either half of the work countdown takes, with the latest of both.
 void countdownChanged(StatusItem& item)
 {
-    TicktackState& work = AppState::workState();
-    QString title = work.timeString();
-    if (work.timesUp()) {
-        title.clear();
-        AppState::promptState().showBreak();
-    }
-    if (!AppState::prefState().showTime())
-        title.clear();
-    item.setTitle(title);
+    // The gate starts the break, or holds it while something asks not to be disturbed.
+    if (AppState::workState().timesUp())
+        AppState::breakGate().workPeriodEnded();
+    item.setTitle(AppState::prefState().showTime() ? currentTitle() : QString());
 }
 
-// The tooltip keeps the countdown also when the title does not show it.
+// The tooltip keeps the countdown also when the title does not show it, and says why nothing
+// counts: a frozen countdown would look like a broken one.
 void updateToolTip(StatusItem& item)
 {
-    const TicktackState& work = AppState::workState();
-    item.setToolTip(work.timesUp() ? QString() : work.timeString());
+    const auto tr = [](const char* text) { return QCoreApplication::translate("StatusBarController", text); };
+    const BreakGate& gate = AppState::breakGate();
+    QString tip;
+    if (AppState::manualPause()) {
+        tip = tr("Paused");
+    } else if (!AppState::working()) {
+        switch (AppState::stopCause()) {
+        case AppState::StopCause::Lock:
+            tip = tr("Stopped while the screen is locked");
+            break;
+        case AppState::StopCause::Idle:
+            tip = tr("Stopped: no activity");
+            break;
+        default:
+            tip = tr("Stopped");
+            break;
+        }
+    } else if (gate.held()) {
+        tip = tr("Break waiting %1").arg(gate.heldTimeString());
+        if (!gate.holdReason().isEmpty())
+            tip += QStringLiteral(": ") + gate.holdReason();
+    } else {
+        tip = currentTitle();
+    }
+    item.setToolTip(tip);
+    item.setDimmed(AppState::manualPause());
+}
+
+// The entry is in the menu only while postponing is on, right after the pause entry, so the
+// menu is otherwise the usual one; it is greyed out once the postpones in a row are used up.
+void updatePostponeEntry()
+{
+    StatusMenu& statusMenu = menu();
+    StatusMenuItem* postpone = statusMenu.itemWithTag(postponeItemTag);
+    if (!AppState::prefState().allowPostpone()) {
+        if (postpone)
+            statusMenu.removeItem(postpone);
+        return;
+    }
+    if (!postpone) {
+        postpone = entry(QCoreApplication::translate("StatusBarController", "Postpone Break"),
+                         QStringLiteral("clock.arrow.circlepath"), {}, [] { AppControl::postpone(0); });
+        postpone->setTag(postponeItemTag);
+        const qsizetype pauseIndex =
+            statusMenu.items().indexOf(statusMenu.itemWithTag(AppState::pauseItemTag));
+        statusMenu.insertItem(pauseIndex + 1, postpone);
+    }
+    postpone->setEnabled(AppState::breakGate().postponeAllowed());
 }
 
 StatusItem* buildItem()
@@ -95,6 +151,17 @@ StatusItem* buildItem()
     QObject::connect(&work, &TicktackState::timeStringChanged, item, [item] { countdownChanged(*item); });
     QObject::connect(&work, &TicktackState::timesUpChanged, item, [item] { updateToolTip(*item); });
     QObject::connect(&work, &TicktackState::timeStringChanged, item, [item] { updateToolTip(*item); });
+    QObject::connect(&AppState::changes(), &StateChanges::changed, item, [item] { updateToolTip(*item); });
+    BreakGate& gate = AppState::breakGate();
+    QObject::connect(&gate, &BreakGate::changed, item, [item] {
+        if (AppState::prefState().showTime())
+            item->setTitle(currentTitle());
+        updateToolTip(*item);
+        updatePostponeEntry();
+    });
+    QObject::connect(&AppState::prefState(), &PrefState::allowPostponeChanged, item, &updatePostponeEntry);
+    updatePostponeEntry();
+    new HeadsUpNotice(gate, item);
     // The subscription starts with the values the countdown already has.
     countdownChanged(*item);
     updateToolTip(*item);
@@ -124,11 +191,7 @@ StatusItem& item()
 
 void showTime(bool show)
 {
-    QString title;
-    const TicktackState& work = AppState::workState();
-    if (show && !work.timesUp())
-        title = work.timeString();
-    item().setTitle(title);
+    item().setTitle(show ? currentTitle() : QString());
 }
 
 } // namespace StatusBarController

@@ -20,3 +20,11 @@ void StatusItem::setToolTip(const QString& toolTip)
     m_toolTip = toolTip;
     emit toolTipChanged();
 }
+
+void StatusItem::setDimmed(bool dimmed)
+{
+    if (dimmed == m_dimmed)
+        return;
+    m_dimmed = dimmed;
+    emit dimmedChanged();
+}

@@ -27,9 +27,13 @@ public:
     QString imagePath() const { return m_imagePath; }
     void setImagePath(const QString& path);
 
-    // The text shown when the pointer rests on the item: the work countdown.
+    // The text shown when the pointer rests on the item: the work countdown, or why there is none.
     QString toolTip() const { return m_toolTip; }
     void setToolTip(const QString& toolTip);
+
+    // Drawn faded while the cycle is paused by hand.
+    bool dimmed() const { return m_dimmed; }
+    void setDimmed(bool dimmed);
 
     StatusMenu* menu() const { return m_menu; }
     void setMenu(StatusMenu* menu) { m_menu = menu; }
@@ -38,10 +42,12 @@ signals:
     void titleChanged(const QString& title);
     void imagePathChanged();
     void toolTipChanged();
+    void dimmedChanged();
 
 private:
     QString m_title;
     QString m_imagePath;
     QString m_toolTip;
+    bool m_dimmed = false;
     StatusMenu* m_menu = nullptr;
 };

@@ -3,12 +3,19 @@
 
 #include "StatusMenuItem.h"
 
+#include <algorithm>
+
 StatusMenu::StatusMenu(QObject* parent) : QObject(parent) {}
 
 void StatusMenu::addItem(StatusMenuItem* item)
 {
+    insertItem(m_items.size(), item);
+}
+
+void StatusMenu::insertItem(qsizetype index, StatusMenuItem* item)
+{
     item->setParent(this);
-    m_items.append(item);
+    m_items.insert(std::clamp<qsizetype>(index, 0, m_items.size()), item);
     connect(item, &StatusMenuItem::changed, this, [this, item] { emit itemChanged(item); });
     emit layoutChanged();
 }

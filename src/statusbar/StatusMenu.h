@@ -14,6 +14,8 @@ public:
     explicit StatusMenu(QObject* parent = nullptr);
 
     void addItem(StatusMenuItem* item);
+    // Puts the entry at `index` of the order (the end when past it).
+    void insertItem(qsizetype index, StatusMenuItem* item);
     void removeItem(StatusMenuItem* item);
     const QList<StatusMenuItem*>& items() const { return m_items; }
     StatusMenuItem* itemWithTag(int tag) const;

@@ -24,6 +24,14 @@ void StatusMenuItem::setImage(const QString& symbolName)
     emit changed();
 }
 
+void StatusMenuItem::setEnabled(bool enabled)
+{
+    if (enabled == m_enabled)
+        return;
+    m_enabled = enabled;
+    emit changed();
+}
+
 QString StatusMenuItem::iconName() const
 {
     return SymbolIcon::freedesktopName(m_image);

@@ -35,7 +35,9 @@ public:
 
     bool isSeparator() const { return m_separator; }
     // An entry without an action is shown disabled, like a header.
-    bool isEnabled() const { return !m_separator && bool(m_action); }
+    bool isEnabled() const { return !m_separator && bool(m_action) && m_enabled; }
+    // An entry with an action can still be greyed out while it would do nothing.
+    void setEnabled(bool enabled);
 
     void setAction(std::function<void()> action);
     void trigger();
@@ -49,5 +51,6 @@ private:
     QString m_keyEquivalent;
     int m_tag = 0;
     bool m_separator = false;
+    bool m_enabled = true;
     std::function<void()> m_action;
 };

@@ -43,6 +43,7 @@ StatusNotifierItem::StatusNotifierItem(StatusItem& item, const QDBusConnection& 
     StatusNotifierTypes::registerMetaTypes();
     connect(&m_item, &StatusItem::titleChanged, this, &StatusNotifierItem::titleChanged);
     connect(&m_item, &StatusItem::imagePathChanged, this, &StatusNotifierItem::updateIcon);
+    connect(&m_item, &StatusItem::dimmedChanged, this, &StatusNotifierItem::updateIcon);
     connect(&m_item, &StatusItem::toolTipChanged, this, [this] {
         if (m_item.toolTip() == m_toolTipText)
             return;
@@ -179,7 +180,10 @@ void StatusNotifierItem::updateIcon()
     const bool hasImage = !svg.isEmpty() && QFile::exists(svg);
     // Panels that draw the label show the countdown there; the others get it as a badge.
     const QString badge = hasImage && !m_hostDrawsLabel ? BadgeIcon::badgeText(m_item.title()) : QString();
-    const QString key = !hasImage ? QString() : badge.isEmpty() ? QStringLiteral("plain") : badge;
+    const bool dimmed = hasImage && m_item.dimmed();
+    const QString key = !hasImage ? QString()
+                                  : (badge.isEmpty() ? QStringLiteral("plain") : badge) +
+                                        (dimmed ? QStringLiteral("/dim") : QString());
     if (key == m_iconKey && !(hasImage && m_iconPixmap.isEmpty()))
         return;
     m_iconKey = key;
@@ -187,13 +191,13 @@ void StatusNotifierItem::updateIcon()
     m_iconPixmap.clear();
     if (hasImage) {
         for (int size : iconSizes) {
-            const QImage image = BadgeIcon::draw(svg, size, badge);
+            const QImage image = BadgeIcon::draw(svg, size, badge, dimmed);
             if (!image.isNull())
                 m_iconPixmap.append(SniIconPixmap::fromImage(image));
         }
     }
-    // A host prefers the name when there is one, so the badged icon goes without.
-    m_iconName = hasImage && badge.isEmpty() ? themeIconName() : QString();
+    // A host prefers the name when there is one, so the badged or faded icon goes without.
+    m_iconName = hasImage && badge.isEmpty() && !dimmed ? themeIconName() : QString();
     if (m_registered)
         emit NewIcon();
 }

@@ -14,6 +14,7 @@ QString freedesktopName(const QString& symbolName)
         {QStringLiteral("arrow.counterclockwise.icloud"), QStringLiteral("system-software-update")},
         {QStringLiteral("mail.stack"), QStringLiteral("mail-send")},
         {QStringLiteral("info.circle"), QStringLiteral("help-about")},
+        {QStringLiteral("clock.arrow.circlepath"), QStringLiteral("appointment-soon")},
         {QStringLiteral("escape"), QStringLiteral("application-exit")},
         {QStringLiteral("tray.circle"), QStringLiteral("preferences-desktop")},
         {QStringLiteral("books.vertical.circle"), QStringLiteral("accessories-dictionary")},

@@ -22,6 +22,7 @@ TrayIcon::TrayIcon(StatusItem& item, StatusPopupMenu* menu, QObject* parent)
             menu->popup(QCursor::pos());
     });
     connect(&m_item, &StatusItem::imagePathChanged, this, &TrayIcon::updateIcon);
+    connect(&m_item, &StatusItem::dimmedChanged, this, &TrayIcon::updateIcon);
     connect(&m_item, &StatusItem::toolTipChanged, this, &TrayIcon::updateToolTip);
     updateIcon();
     updateToolTip();
@@ -37,7 +38,7 @@ void TrayIcon::updateIcon()
 {
     QIcon icon;
     for (int size : {16, 22, 24, 32, 48}) {
-        const QImage image = BadgeIcon::draw(m_item.imagePath(), size, {});
+        const QImage image = BadgeIcon::draw(m_item.imagePath(), size, {}, m_item.dimmed());
         if (!image.isNull())
             icon.addPixmap(QPixmap::fromImage(image));
     }

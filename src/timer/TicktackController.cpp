@@ -55,6 +55,7 @@ void ticktack(double seconds, TicktackState& state)
 {
     auto remaining = std::make_shared<double>(seconds);
     state.setTimesUp(false);
+    state.setCountdown(seconds, *remaining);
     state.setTimeString(format(*remaining));
     logger().info(QStringLiteral("ticktack timer start ") + numberText(seconds));
 
@@ -63,11 +64,24 @@ void ticktack(double seconds, TicktackState& state)
     running = true;
     tickSource().start([remaining, seconds, target] {
         *remaining -= 1.0;
+        target->setCountdown(seconds, *remaining);
         target->setTimeString(format(*remaining));
         if (target->timesUp() || *remaining > 0)
             return;
         logger().info(QStringLiteral("ticktack timer timesup for ") + numberText(seconds));
         target->setTimesUp(true);
+    });
+}
+
+void countUp(std::function<void(double)> onSecond)
+{
+    stop();
+    logger().info(QStringLiteral("ticktack timer counts up"));
+    auto elapsed = std::make_shared<double>(0.0);
+    running = true;
+    tickSource().start([elapsed, onSecond = std::move(onSecond)] {
+        *elapsed += 1.0;
+        onSecond(*elapsed);
     });
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <memory>
 
 class TicktackState;
@@ -16,6 +17,9 @@ void work(double seconds);
 void break_(double seconds);
 void stop();
 void ticktack(double seconds, TicktackState& state);
+// Counts the seconds since the call, on the same tick, instead of a countdown: how long a due
+// break has waited. stop() or the next period ends it.
+void countUp(std::function<void(double elapsed)> onSecond);
 
 // 1500 → "25:00"; 3600 → "0100:00" (hours run straight into the minutes); ≤ 0 → "00:00".
 QString format(double seconds);

@@ -14,3 +14,9 @@ void TicktackState::setTimesUp(bool timesUp)
     m_timesUp = timesUp;
     emit timesUpChanged(m_timesUp);
 }
+
+void TicktackState::setCountdown(double length, double secondsLeft)
+{
+    m_length = length;
+    m_secondsLeft = secondsLeft;
+}

@@ -24,6 +24,12 @@ public:
     bool timesUp() const { return m_timesUp; }
     void setTimesUp(bool timesUp);
 
+    // The period's full length and what is left of it, in seconds, for those who act before
+    // the end (the heads-up). Set before the time string of the same tick.
+    double length() const { return m_length; }
+    double secondsLeft() const { return m_secondsLeft; }
+    void setCountdown(double length, double secondsLeft);
+
 signals:
     void timeStringChanged(const QString& timeString);
     void timesUpChanged(bool timesUp);
@@ -31,4 +37,6 @@ signals:
 private:
     QString m_timeString;
     bool m_timesUp = false;
+    double m_length = 0;
+    double m_secondsLeft = 0;
 };

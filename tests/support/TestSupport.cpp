@@ -62,13 +62,47 @@ QString logTextIn(const QString& home)
 
 namespace {
 
-// Starts a dbus-daemon with the session configuration and points `variable` at it; the daemon
-// ends with this program.
+// A session bus that starts no services of its own: a notification server or anything else the
+// machine happens to have installed must not answer where a test expects nobody.
+const char privateBusConfig[] =
+    R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir=/tmp</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)";
+
+QByteArray privateBusConfigFile()
+{
+    static QByteArray path;
+    if (!path.isEmpty())
+        return path;
+    char name[] = "/tmp/lulltide-test-bus-XXXXXX.conf";
+    const int fd = ::mkstemps(name, 5);
+    if (fd < 0 || ::write(fd, privateBusConfig, sizeof privateBusConfig - 1) < 0)
+        qFatal("cannot write the test bus's configuration");
+    ::close(fd);
+    path = name;
+    std::atexit([] { ::unlink(path.constData()); });
+    return path;
+}
+
+// Starts a dbus-daemon with a session configuration that activates nothing and points
+// `variable` at it; the daemon ends with this program.
 void startPrivateBus(const char* variable)
 {
     if (!qEnvironmentVariableIsEmpty("LULLTIDE_TEST_CHILD"))
         return;
-    FILE* daemon = popen("dbus-daemon --session --fork --print-address=1 --print-pid=1", "r");
+    const QByteArray command =
+        "dbus-daemon --config-file=" + privateBusConfigFile() + " --fork --print-address=1 --print-pid=1";
+    FILE* daemon = popen(command.constData(), "r");
     if (!daemon)
         qFatal("cannot start dbus-daemon");
     char address[1024] = {};

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Lulltide
+
+// The Timing tab: when a break comes. A heads-up before it, postponing it, and holding it while
+// the person presents, calls or watches full screen. All three are off until switched on.
+Item {
+    id: root
+    objectName: "timingView"
+
+    required property PrefState prefState
+
+    Flickable {
+        anchors.fill: parent
+        contentHeight: content.implicitHeight + 24
+        clip: true
+        boundsBehavior: Flickable.StopAtBounds
+
+        ColumnLayout {
+            id: content
+            x: 16 + 12
+            y: 12
+            width: root.width - 2 * x
+            spacing: 6
+
+            PrefBreakView.SectionHeader {
+                text: qsTr("Heads-up")
+            }
+            GridLayout {
+                Layout.leftMargin: 20
+                columns: 2
+                columnSpacing: 8
+                rowSpacing: 6
+
+                Switch {
+                    objectName: "headsUp"
+                    Layout.columnSpan: 2
+                    text: qsTr("Tell me before a break")
+                    checked: root.prefState.headsUp
+                    onToggled: root.prefState.headsUp = checked
+                }
+                PrefBreakView.RowLabel {
+                    text: qsTr("Notify")
+                    enabled: root.prefState.headsUp
+                }
+                RowLayout {
+                    spacing: 8
+                    enabled: root.prefState.headsUp
+                    PrefBreakView.SettingField {
+                        store: root.prefState
+                        objectName: "headsUpSecondsField"
+                        setting: "headsUpSecondsString"
+                        Accessible.name: qsTr("Seconds of notice before a break")
+                    }
+                    Label {
+                        text: qsTr("seconds before (10 to 600)")
+                    }
+                }
+            }
+
+            PrefBreakView.SectionDivider {}
+
+            PrefBreakView.SectionHeader {
+                text: qsTr("Postpone")
+            }
+            GridLayout {
+                Layout.leftMargin: 20
+                columns: 2
+                columnSpacing: 8
+                rowSpacing: 6
+
+                Switch {
+                    objectName: "allowPostpone"
+                    Layout.columnSpan: 2
+                    text: qsTr("Allow postponing breaks")
+                    checked: root.prefState.allowPostpone
+                    onToggled: root.prefState.allowPostpone = checked
+                }
+                PrefBreakView.RowLabel {
+                    text: qsTr("Postpone by")
+                    enabled: root.prefState.allowPostpone
+                }
+                RowLayout {
+                    spacing: 8
+                    enabled: root.prefState.allowPostpone
+                    PrefBreakView.SettingField {
+                        store: root.prefState
+                        objectName: "postponeMinutesField"
+                        setting: "postponeMinutesString"
+                        Accessible.name: qsTr("Minutes to postpone a break by")
+                    }
+                    Label {
+                        text: qsTr("mins")
+                    }
+                }
+                PrefBreakView.RowLabel {
+                    text: qsTr("At most")
+                    enabled: root.prefState.allowPostpone
+                }
+                RowLayout {
+                    spacing: 8
+                    enabled: root.prefState.allowPostpone
+                    PrefBreakView.SettingField {
+                        store: root.prefState
+                        objectName: "postponeLimitField"
+                        setting: "postponeLimitString"
+                        Accessible.name: qsTr("Postpones in a row")
+                    }
+                    Label {
+                        text: qsTr("times in a row (1 to 5)")
+                    }
+                }
+            }
+
+            PrefBreakView.SectionDivider {}
+
+            PrefBreakView.SectionHeader {
+                text: qsTr("Hold")
+            }
+            ColumnLayout {
+                Layout.leftMargin: 20
+                Layout.fillWidth: true
+                spacing: 2
+                Switch {
+                    objectName: "holdBreaks"
+                    text: qsTr("Hold breaks while I am presenting, in a call or watching full screen")
+                    checked: root.prefState.holdBreaks
+                    onToggled: root.prefState.holdBreaks = checked
+                }
+                Label {
+                    Layout.fillWidth: true
+                    Layout.leftMargin: 8
+                    wrapMode: Text.Wrap
+                    opacity: 0.7
+                    text: qsTr("A due break waits while another program is full screen, an application keeps "
+                               + "the session awake, or the desktop's Do Not Disturb is on, and comes 10 "
+                               + "seconds after the last of them ends.")
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,722 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/ManualTickSource.h"
+#include "support/StandInNotificationServer.h"
+#include "support/TestHoldSource.h"
+#include "support/TestMain.h"
+
+#include "app/AppControl.h"
+#include "app/AppState.h"
+#include "app/BreakGate.h"
+#include "app/ControlService.h"
+#include "break/PromptState.h"
+#include "break/WindowController.h"
+#include "events/SystemEventActions.h"
+#include "preferences/PrefState.h"
+#include "preferences/SettingsStore.h"
+#include "statusbar/HeadsUpNotice.h"
+#include "statusbar/StatusBarController.h"
+#include "statusbar/StatusItem.h"
+#include "statusbar/StatusMenu.h"
+#include "statusbar/StatusMenuItem.h"
+#include "timer/TicktackController.h"
+#include "timer/TicktackState.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSettings>
+
+namespace {
+
+const int postponeTag = 9002;
+
+} // namespace
+
+// Runs on Qt's offscreen platform with two screens side by side, on a session bus of its own
+// where a stand-in notification server shows the heads-ups.
+class MomentTest : public QObject {
+    Q_OBJECT
+
+    ManualTickSource* ticks = nullptr;
+    QDBusConnection desktop =
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("desktop"));
+    StandInNotificationServer* server = nullptr;
+    ControlService* service = nullptr;
+
+    static PrefState& prefs() { return AppState::prefState(); }
+    static PromptState& prompt() { return AppState::promptState(); }
+    static BreakGate& gate() { return AppState::breakGate(); }
+    static StatusItem& item() { return StatusBarController::item(); }
+    static StatusMenuItem* postponeEntry() { return StatusBarController::menu().itemWithTag(postponeTag); }
+
+    static QQuickWindow* primaryBreakWindow()
+    {
+        for (QWindow* window : QGuiApplication::allWindows()) {
+            if (window->objectName() == "breakWindow" && window->title() == "DP-1")
+                return qobject_cast<QQuickWindow*>(window);
+        }
+        return nullptr;
+    }
+    static QQuickItem* breakChild(const char* name)
+    {
+        QQuickWindow* window = primaryBreakWindow();
+        return window ? window->findChild<QQuickItem*>(name) : nullptr;
+    }
+    static int visibleBreakWindows()
+    {
+        int count = 0;
+        for (QWindow* window : QGuiApplication::allWindows())
+            count += window->objectName() == "breakWindow" && window->isVisible();
+        return count;
+    }
+
+    void tickUntilTimesUp()
+    {
+        QVERIFY(ticks->running());
+        while (!AppState::workState().timesUp())
+            ticks->tick();
+    }
+    void tickUntilSecondsLeft(double seconds)
+    {
+        while (AppState::workState().secondsLeft() > seconds && !AppState::workState().timesUp())
+            ticks->tick();
+    }
+
+    // A call over the bus from another program, without blocking the service in this thread.
+    QDBusMessage callService(const QString& method, const QVariantList& arguments = {},
+                             const QString& interface = ControlService::interfaceName)
+    {
+        QDBusMessage message = QDBusMessage::createMethodCall(ControlService::serviceName,
+                                                              ControlService::objectPath, interface, method);
+        message.setArguments(arguments);
+        QDBusPendingCall pending = desktop.asyncCall(message, 5000);
+        QDBusPendingCallWatcher done(pending);
+        QEventLoop loop;
+        connect(&done, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+        if (!pending.isFinished())
+            loop.exec();
+        return pending.reply();
+    }
+    QString busStatus()
+    {
+        const QDBusMessage reply =
+            callService("Get", {ControlService::interfaceName, QStringLiteral("Status")},
+                        QStringLiteral("org.freedesktop.DBus.Properties"));
+        return reply.arguments().value(0).value<QDBusVariant>().variant().toString();
+    }
+
+    // The command line, run as a person runs it, against the service in this process.
+    TestSupport::ChildResult runCommandLine(const QStringList& arguments)
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove("DISPLAY");
+        environment.remove("WAYLAND_DISPLAY");
+        environment.remove("QT_QPA_PLATFORM");
+        process.setProcessEnvironment(environment);
+        process.start(LULLTIDE_BINARY, arguments);
+        TestSupport::ChildResult result;
+        if (!process.waitForStarted())
+            return result;
+        // The service answers from this thread's event loop.
+        if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, 20000))
+            return result;
+        result.exitCode = process.exitCode();
+        result.standardOutput = QString::fromUtf8(process.readAllStandardOutput());
+        result.standardError = QString::fromUtf8(process.readAllStandardError());
+        return result;
+    }
+
+    QList<StandInNotificationServer::Received> headsUps() const { return server->received(); }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(desktop.isConnected());
+        ticks = new ManualTickSource;
+        TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
+        BreakGate::setHoldSourceFactory([] { return std::make_unique<TestHoldSource>(); });
+        service = new ControlService(QDBusConnection::sessionBus(), this);
+        QCOMPARE(service->claim(), ControlService::Claim::Owned);
+        StatusBarController::item(); // the subscription that ends work periods
+    }
+
+    void init()
+    {
+        WindowController::closeBreak();
+        SettingsStore::settings().clear();
+        prompt().resetShortBreakTimes();
+        gate().breakFinished();
+        AppState::setManualPause(false);
+        // A fresh server each time: what it received is this test's alone.
+        delete server;
+        server = new StandInNotificationServer(desktop, {"actions", "body"}, this);
+        QVERIFY(server->start());
+    }
+
+    void cleanup()
+    {
+        WindowController::closeBreak();
+        prefs().setHoldBreaks(false);
+    }
+
+    // With every option off the cycle is the usual one.
+
+    void withTheOptionsOffTheBreakComesAtOnceWithoutHeadsUpOrPostpone()
+    {
+        QCOMPARE(TestHoldSource::made, 0); // nothing that could hold is even made
+        QVERIFY(!postponeEntry());
+        tickUntilTimesUp();
+        QCOMPARE(visibleBreakWindows(), 2);
+        QVERIFY(breakChild("skipButton")->isVisible());
+        QVERIFY(!breakChild("postponeButton")->isVisible());
+        QVERIFY(!AppControl::postpone(0).isEmpty());
+        QCOMPARE(visibleBreakWindows(), 2);
+        // The break's own end proves the cycle ran through without a heads-up on the way.
+        prompt().skip();
+        QCOMPARE(server->calls(), QStringList());
+    }
+
+    // The heads-up.
+
+    void headsUpTextSaysTheTimeAsAPersonWould()
+    {
+        QCOMPARE(HeadsUpNotice::summary(60), "Break in 1 minute");
+        QCOMPARE(HeadsUpNotice::summary(45), "Break in 45 seconds");
+        QCOMPARE(HeadsUpNotice::summary(1), "Break in 1 second");
+        QCOMPARE(HeadsUpNotice::summary(150), "Break in 2 minutes 30 seconds");
+        QCOMPARE(HeadsUpNotice::summary(600), "Break in 10 minutes");
+        QCOMPARE(HeadsUpNotice::body(false, 300), "A short break of 5 minutes.");
+        QCOMPARE(HeadsUpNotice::body(true, 900), "A long break of 15 minutes.");
+    }
+
+    void headsUpComesTheLeadTimeBeforeTheBreakAndGoesWhenItStarts()
+    {
+        prefs().setHeadsUp(true);
+        prefs().setWorkTimeString("3");
+        TicktackController::work(prefs().workTime());
+        tickUntilSecondsLeft(61);
+        QCOMPARE(AppState::workState().timeString(), "01:01");
+        ticks->tick();
+        QTRY_COMPARE(headsUps().size(), 1);
+        // Sent at 60 seconds, not a tick earlier or later: the text is written at that moment.
+        const auto notice = headsUps().constFirst();
+        QCOMPARE(notice.summary, "Break in 1 minute");
+        QCOMPARE(notice.body, "A short break of 5 minutes.");
+        QCOMPARE(notice.actions, QStringList({"start-now", "Start now"}));
+        QCOMPARE(notice.appName, "Lulltide");
+
+        tickUntilTimesUp();
+        QCOMPARE(visibleBreakWindows(), 2);
+        QTRY_COMPARE(server->closedIds(), QList<quint32>{notice.id});
+        QCOMPARE(headsUps().size(), 1);
+    }
+
+    void headsUpOfALongBreakSaysSoAndOffersPostponeWhenAllowed()
+    {
+        prefs().setHeadsUp(true);
+        prefs().setAllowPostpone(true);
+        prefs().setShortBreakTimesString("1");
+        TicktackController::work(prefs().workTime());
+        tickUntilSecondsLeft(60);
+        QTRY_COMPARE(headsUps().size(), 1);
+        QCOMPARE(headsUps().constFirst().body, "A long break of 15 minutes.");
+        QCOMPARE(headsUps().constFirst().actions,
+                 QStringList({"start-now", "Start now", "postpone", "Postpone"}));
+    }
+
+    void headsUpIsWithdrawnWhenTheCycleIsPaused()
+    {
+        prefs().setHeadsUp(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilSecondsLeft(30);
+        QTRY_COMPARE(headsUps().size(), 1);
+        AppControl::pause();
+        QTRY_COMPARE(server->closedIds(), QList<quint32>{headsUps().constFirst().id});
+    }
+
+    void headsUpIsWithdrawnWhenTheScreenLocks()
+    {
+        prefs().setHeadsUp(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilSecondsLeft(30);
+        QTRY_COMPARE(headsUps().size(), 1);
+        SystemEventActions::didLockScreenShow();
+        QTRY_COMPARE(server->closedIds(), QList<quint32>{headsUps().constFirst().id});
+        SystemEventActions::didLockScreenDismiss();
+    }
+
+    void headsUpIsWithdrawnWhenTheBreakIsPostponedFromIt()
+    {
+        prefs().setHeadsUp(true);
+        prefs().setAllowPostpone(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilSecondsLeft(60);
+        QTRY_COMPARE(headsUps().size(), 1);
+        const quint32 id = headsUps().constFirst().id;
+        server->invokeAction(id, "postpone");
+        QTRY_COMPARE(AppState::workState().timeString(), "05:00");
+        QTRY_COMPARE(server->closedIds(), QList<quint32>{id});
+        QCOMPARE(gate().postponesInARow(), 1);
+        QCOMPARE(visibleBreakWindows(), 0);
+    }
+
+    void headsUpStartNowStartsTheBreakAtOnce()
+    {
+        prefs().setHeadsUp(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilSecondsLeft(60);
+        QTRY_COMPARE(headsUps().size(), 1);
+        server->invokeAction(headsUps().constFirst().id, "start-now");
+        QTRY_COMPARE(visibleBreakWindows(), 2);
+        QCOMPARE(AppState::breakState().timeString(), "05:00");
+    }
+
+    void aWorkPeriodShorterThanTheLeadGetsNoHeadsUp()
+    {
+        prefs().setHeadsUp(true);
+        prefs().setWorkTimeString("0.5"); // 30 seconds, the lead is 60
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QCOMPARE(visibleBreakWindows(), 2);
+        // The next, longer period gets one: the first heads-up the server ever sees is its own.
+        prefs().setWorkTimeString("2");
+        prompt().skip();
+        tickUntilSecondsLeft(60);
+        QTRY_COMPARE(headsUps().size(), 1);
+        QCOMPARE(server->calls().count("Notify"), 1);
+        QCOMPARE(headsUps().constFirst().summary, "Break in 1 minute");
+    }
+
+    void headsUpLeadFollowsTheSetting()
+    {
+        prefs().setHeadsUp(true);
+        prefs().setHeadsUpSecondsString("120");
+        TicktackController::work(prefs().workTime());
+        tickUntilSecondsLeft(120);
+        QTRY_COMPARE(headsUps().size(), 1);
+        QCOMPARE(headsUps().constFirst().summary, "Break in 2 minutes");
+    }
+
+    void withoutANotificationServerTheHeadsUpIsLoggedOnceAndTheCycleGoesOn()
+    {
+        server->stop();
+        prefs().setHeadsUp(true);
+        prefs().setWorkTimeString("2");
+        const QString warning = "no heads-up before breaks: the desktop shows no notifications";
+        const int before = TestSupport::logText().count(warning);
+        for (int round = 0; round < 2; ++round) {
+            TicktackController::work(prefs().workTime());
+            tickUntilTimesUp();
+            QCOMPARE(visibleBreakWindows(), 2);
+            prompt().skip();
+        }
+        QTRY_COMPARE(TestSupport::logText().count(warning), before == 0 ? 1 : before);
+        QVERIFY(server->start());
+    }
+
+    // Postponing.
+
+    void postponeButtonClosesTheBreakAndStartsAPostponePeriod()
+    {
+        prefs().setAllowPostpone(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QQuickItem* button = breakChild("postponeButton");
+        QVERIFY(button && button->isVisible());
+        QCOMPARE(button->property("text").toString(), "Postpone");
+        QQuickWindow* primary = primaryBreakWindow();
+        QVERIFY(QTest::qWaitForWindowExposed(primary));
+        const QPoint centre =
+            button->mapToScene(QPointF(button->width() / 2, button->height() / 2)).toPoint();
+        QTest::mouseClick(primary, Qt::LeftButton, {}, centre);
+        QCOMPARE(visibleBreakWindows(), 0);
+        QCOMPARE(AppState::workState().timeString(), "05:00");
+        QVERIFY(ticks->running());
+    }
+
+    void postponeLengthFollowsTheSettingWithFractions()
+    {
+        prefs().setAllowPostpone(true);
+        prefs().setPostponeMinutesString("2.5");
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QCOMPARE(AppControl::postpone(0), QString());
+        QCOMPARE(AppState::workState().timeString(), "02:30");
+    }
+
+    void aPostponedLongBreakComesBackLongAndTheRotationMovesOnce()
+    {
+        prefs().setAllowPostpone(true);
+        prefs().setShortBreakTimesString("2");
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp(); // first break: short
+        QCOMPARE(prompt().kind(), PromptState::Kind::Short);
+        prompt().skip();
+        tickUntilTimesUp(); // second: long
+        QCOMPARE(prompt().kind(), PromptState::Kind::Long);
+        QCOMPARE(AppState::breakState().timeString(), "15:00");
+        QCOMPARE(AppControl::postpone(0), QString());
+        tickUntilTimesUp();
+        QCOMPARE(prompt().kind(), PromptState::Kind::Long);
+        QCOMPARE(AppState::breakState().timeString(), "15:00");
+        prompt().skip();
+        // The rotation went on from the long break once: short, then long again.
+        tickUntilTimesUp();
+        QCOMPARE(prompt().kind(), PromptState::Kind::Short);
+        prompt().skip();
+        tickUntilTimesUp();
+        QCOMPARE(prompt().kind(), PromptState::Kind::Long);
+    }
+
+    void aBreakPostponedBeforeItShowedKeepsItsKind()
+    {
+        prefs().setAllowPostpone(true);
+        prefs().setShortBreakTimesString("1"); // every break is long
+        TicktackController::work(prefs().workTime());
+        tickUntilSecondsLeft(10);
+        QCOMPARE(AppControl::postpone(1), QString());
+        QCOMPARE(AppState::workState().timeString(), "01:00");
+        tickUntilTimesUp();
+        QCOMPARE(prompt().kind(), PromptState::Kind::Long);
+    }
+
+    void afterTheLimitEveryPostponeControlIsAbsentOrRefuses()
+    {
+        prefs().setAllowPostpone(true);
+        prefs().setPostponeLimitString("2");
+        TicktackController::work(prefs().workTime());
+        for (int i = 0; i < 2; ++i) {
+            tickUntilTimesUp();
+            QVERIFY(breakChild("postponeButton")->isVisible());
+            QVERIFY(postponeEntry()->isEnabled());
+            QCOMPARE(AppControl::postpone(0), QString());
+        }
+        tickUntilTimesUp();
+        QVERIFY(!breakChild("postponeButton")->isVisible());
+        QVERIFY(postponeEntry());
+        QVERIFY(!postponeEntry()->isEnabled());
+        QCOMPARE(AppControl::postpone(0),
+                 "This break was postponed 2 times in a row already: take it or skip it.");
+        QCOMPARE(visibleBreakWindows(), 2);
+
+        // A break taken (here skipped) lets postponing start afresh.
+        prompt().skip();
+        QCOMPARE(gate().postponesInARow(), 0);
+        QVERIFY(postponeEntry()->isEnabled());
+        tickUntilTimesUp();
+        QVERIFY(breakChild("postponeButton")->isVisible());
+    }
+
+    void aForcedLongBreakHasNoPostponeAndRefusesIt()
+    {
+        prefs().setAllowPostpone(true);
+        prefs().setForceLongBreak(true);
+        prefs().setShortBreakTimesString("1");
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QVERIFY(!breakChild("skipButton")->isVisible());
+        QVERIFY(!breakChild("postponeButton")->isVisible());
+        QCOMPARE(AppControl::postpone(0), "This long break is forced: it cannot be postponed.");
+        QCOMPARE(visibleBreakWindows(), 2);
+    }
+
+    void postponeOffHidesTheMenuEntryAndRefuses()
+    {
+        prefs().setAllowPostpone(false);
+        QVERIFY(!postponeEntry());
+        QCOMPARE(AppControl::postpone(0),
+                 "Postponing breaks is off: turn it on in the settings, under Timing.");
+        prefs().setAllowPostpone(true);
+        QVERIFY(postponeEntry());
+        QCOMPARE(postponeEntry()->title(), "Postpone Break");
+        // Right after the pause entry.
+        const auto& entries = StatusBarController::menu().items();
+        QCOMPARE(entries.indexOf(postponeEntry()),
+                 entries.indexOf(StatusBarController::menu().itemWithTag(9001)) + 1);
+        prefs().setAllowPostpone(false);
+        QVERIFY(!postponeEntry());
+    }
+
+    void postponeFromTheMenuEntryMovesTheBreak()
+    {
+        prefs().setAllowPostpone(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        postponeEntry()->trigger();
+        QCOMPARE(visibleBreakWindows(), 0);
+        QCOMPARE(AppState::workState().timeString(), "05:00");
+    }
+
+    void postponeWhilePausedSaysNoBreakIsComing()
+    {
+        prefs().setAllowPostpone(true);
+        AppControl::pause();
+        QCOMPARE(AppControl::postpone(0), "No break is coming: the countdown is paused or stopped.");
+        AppControl::resume();
+    }
+
+    void keyPressedAsTheBreakAppearsPressesNeitherButtonButTabReachesBoth()
+    {
+        prefs().setAllowPostpone(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QQuickWindow* primary = primaryBreakWindow();
+        QVERIFY(QTest::qWaitForWindowExposed(primary));
+        QTest::keyClick(primary, Qt::Key_Space);
+        QTest::keyClick(primary, Qt::Key_Return);
+        QCOMPARE(visibleBreakWindows(), 2);
+        QTest::keyClick(primary, Qt::Key_Tab);
+        QVERIFY(breakChild("skipButton")->hasActiveFocus());
+        QTest::keyClick(primary, Qt::Key_Tab);
+        QVERIFY(breakChild("postponeButton")->hasActiveFocus());
+        QTest::keyClick(primary, Qt::Key_Return);
+        QCOMPARE(visibleBreakWindows(), 0);
+        QCOMPARE(AppState::workState().timeString(), "05:00");
+    }
+
+    void postponeOverTheBusWithMinutesAndItsRefusal()
+    {
+        TicktackController::work(prefs().workTime());
+        QDBusMessage reply = callService("Postpone", {QVariant::fromValue(0u)});
+        QCOMPARE(reply.type(), QDBusMessage::ErrorMessage);
+        QCOMPARE(reply.errorName(), ControlService::cannotPostponeError);
+        QCOMPARE(reply.errorMessage(), "Postponing breaks is off: turn it on in the settings, under Timing.");
+
+        prefs().setAllowPostpone(true);
+        tickUntilTimesUp();
+        reply = callService("Postpone", {QVariant::fromValue(3u)});
+        QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(visibleBreakWindows(), 0);
+        QCOMPARE(AppState::workState().timeString(), "03:00");
+
+        reply = callService("Postpone", {QVariant::fromValue(100000u)});
+        QCOMPARE(reply.errorName(), ControlService::cannotPostponeError);
+        QCOMPARE(AppState::workState().timeString(), "03:00");
+    }
+
+    void postponeFromTheCommandLineWithAndWithoutMinutes()
+    {
+        TicktackController::work(prefs().workTime());
+        TestSupport::ChildResult result = runCommandLine({"--postpone"});
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.standardError.trimmed(),
+                 "Postponing breaks is off: turn it on in the settings, under Timing.");
+
+        prefs().setAllowPostpone(true);
+        prefs().setPostponeLimitString("5");
+        result = runCommandLine({"--postpone"});
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(AppState::workState().timeString(), "05:00");
+        result = runCommandLine({"--postpone", "7"});
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(AppState::workState().timeString(), "07:00");
+        result = runCommandLine({"--postpone=9"});
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(AppState::workState().timeString(), "09:00");
+
+        result = runCommandLine({"--postpone", "soon"});
+        QCOMPARE(result.exitCode, 2);
+        QVERIFY2(
+            result.standardError.contains("MINUTES of --postpone must be a whole number from 1 to 1440."),
+            qPrintable(result.standardError));
+        QCOMPARE(AppState::workState().timeString(), "09:00");
+        result = runCommandLine({"--postpone", "3", "4"});
+        QCOMPARE(result.exitCode, 2);
+        QVERIFY(result.standardError.contains("Unexpected argument '4'."));
+    }
+
+    // Holding.
+
+    void aHeldBreakWaitsAndThePanelCountsTheWait()
+    {
+        prefs().setHoldBreaks(true);
+        QVERIFY(TestHoldSource::current);
+        TestHoldSource::current->set(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QVERIFY(gate().held());
+        QCOMPARE(visibleBreakWindows(), 0);
+        QCOMPARE(item().title(), "+00:00");
+        ticks->tick(3);
+        QCOMPARE(item().title(), "+00:03");
+        QCOMPARE(item().toolTip(), "Break waiting +00:03: A video call is on");
+        QCOMPARE(AppControl::statusLine(AppControl::status()), "held +00:03");
+        QTRY_COMPARE(busStatus(), "held +00:03");
+        ticks->tick(200);
+        QCOMPARE(item().title(), "+03:23");
+        QCOMPARE(visibleBreakWindows(), 0);
+    }
+
+    void whenTheHoldClearsTheBreakComesTenSecondsLater()
+    {
+        prefs().setHoldBreaks(true);
+        TestHoldSource::current->set(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        ticks->tick(5);
+        TestHoldSource::current->set(false);
+        QVERIFY(!gate().held());
+        QCOMPARE(item().title(), "00:10");
+        ticks->tick(9);
+        QCOMPARE(visibleBreakWindows(), 0);
+        ticks->tick();
+        QCOMPARE(visibleBreakWindows(), 2);
+        QCOMPARE(prompt().kind(), PromptState::Kind::Short);
+    }
+
+    void afterAHoldTheHeadsUpIsShortenedToTheTenSeconds()
+    {
+        prefs().setHoldBreaks(true);
+        prefs().setHeadsUp(true);
+        TestHoldSource::current->set(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilSecondsLeft(60);
+        QTRY_COMPARE(headsUps().size(), 1);
+        const quint32 first = headsUps().constFirst().id;
+        tickUntilTimesUp();
+        QVERIFY(gate().held());
+        QTRY_COMPARE(server->closedIds(), QList<quint32>{first}); // the break did not come
+        TestHoldSource::current->set(false);
+        QTRY_COMPARE(headsUps().size(), 2);
+        QCOMPARE(headsUps().at(1).summary, "Break in 10 seconds");
+    }
+
+    void aHoldThatReturnsBeforeTheTenSecondsHoldsAgain()
+    {
+        prefs().setHoldBreaks(true);
+        TestHoldSource::current->set(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        TestHoldSource::current->set(false);
+        ticks->tick(4);
+        TestHoldSource::current->set(true);
+        ticks->tick(6);
+        QVERIFY(gate().held());
+        QCOMPARE(visibleBreakWindows(), 0);
+    }
+
+    void pauseEndsAHold()
+    {
+        prefs().setHoldBreaks(true);
+        TestHoldSource::current->set(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QVERIFY(gate().held());
+        AppControl::pause();
+        QVERIFY(!gate().held());
+        QVERIFY(!ticks->running()); // nothing ticks while paused
+        QCOMPARE(AppControl::statusLine(AppControl::status()), "paused");
+        AppControl::resume();
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+        QVERIFY(!gate().held());
+    }
+
+    void lockEndsAHold()
+    {
+        prefs().setHoldBreaks(true);
+        TestHoldSource::current->set(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QVERIFY(gate().held());
+        SystemEventActions::didLockScreenShow();
+        QVERIFY(!gate().held());
+        QCOMPARE(item().toolTip(), "Stopped while the screen is locked");
+        SystemEventActions::didLockScreenDismiss();
+        QCOMPARE(AppState::workState().timeString(), "25:00");
+    }
+
+    void withHoldingOffNothingHolds()
+    {
+        prefs().setHoldBreaks(true);
+        TestHoldSource::current->set(true);
+        prefs().setHoldBreaks(false);
+        QVERIFY(!TestHoldSource::current); // switched off, the sources go
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QVERIFY(!gate().held());
+        QCOMPARE(visibleBreakWindows(), 2);
+    }
+
+    void switchingHoldingOffDuringAHoldLetsTheBreakCome()
+    {
+        prefs().setHoldBreaks(true);
+        TestHoldSource::current->set(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QVERIFY(gate().held());
+        prefs().setHoldBreaks(false);
+        ticks->tick(10);
+        QCOMPARE(visibleBreakWindows(), 2);
+    }
+
+    void aConditionDuringABreakDoesNotEndIt()
+    {
+        prefs().setHoldBreaks(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QCOMPARE(visibleBreakWindows(), 2);
+        TestHoldSource::current->set(true);
+        ticks->tick(3);
+        QCOMPARE(visibleBreakWindows(), 2);
+        QCOMPARE(AppState::breakState().timeString(), "04:57");
+    }
+
+    void aHeldBreakCanBePostponedOrStartedNow()
+    {
+        prefs().setHoldBreaks(true);
+        prefs().setAllowPostpone(true);
+        TestHoldSource::current->set(true);
+        TicktackController::work(prefs().workTime());
+        tickUntilTimesUp();
+        QVERIFY(gate().held());
+        QCOMPARE(AppControl::postpone(0), QString());
+        QVERIFY(!gate().held());
+        QCOMPARE(item().title(), "05:00");
+        tickUntilTimesUp();
+        QVERIFY(gate().held());
+        AppControl::startBreakNow();
+        QCOMPARE(visibleBreakWindows(), 2);
+    }
+
+    // The panel shows the state.
+
+    void pausedItemIsDimmedWithTheTooltipPaused()
+    {
+        QVERIFY(!item().dimmed());
+        AppControl::pause();
+        QVERIFY(item().dimmed());
+        QCOMPARE(item().toolTip(), "Paused");
+        AppControl::resume();
+        QVERIFY(!item().dimmed());
+        QCOMPARE(item().toolTip(), "25:00");
+    }
+
+    void stoppedByIdlenessTheTooltipSaysSo()
+    {
+        AppState::setStopCause(AppState::StopCause::Idle);
+        AppState::setWorking(false);
+        QCOMPARE(item().toolTip(), "Stopped: no activity");
+        QCOMPARE(AppControl::statusLine(AppControl::status()), "stopped");
+        AppState::setWorking(true);
+        QCOMPARE(item().toolTip(), "25:00");
+    }
+};
+
+static void beforeApplication()
+{
+    if (qEnvironmentVariableIsEmpty("LULLTIDE_TEST_KEEP_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" TESTS_SOURCE_DIR "/support/screens.json");
+    qputenv("QT_QUICK_BACKEND", "software");
+    TestSupport::startPrivateSessionBus();
+}
+
+int main(int argc, char* argv[])
+{
+    return TestSupport::runTests<MomentTest>(argc, argv, nullptr, beforeApplication);
+}
+#include "tst_moment.moc"
