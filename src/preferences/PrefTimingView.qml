@@ -11,6 +11,8 @@ Item {
     objectName: "timingView"
 
     required property PrefState prefState
+    // The fields of both sections line up under one another.
+    readonly property real labelWidth: 90
 
     Flickable {
         anchors.fill: parent
@@ -42,7 +44,9 @@ Item {
                     onToggled: root.prefState.headsUp = checked
                 }
                 PrefBreakView.RowLabel {
+                    Layout.minimumWidth: root.labelWidth
                     text: qsTr("Notify")
+                    horizontalAlignment: Text.AlignRight
                     enabled: root.prefState.headsUp
                 }
                 RowLayout {
@@ -79,7 +83,9 @@ Item {
                     onToggled: root.prefState.allowPostpone = checked
                 }
                 PrefBreakView.RowLabel {
+                    Layout.minimumWidth: root.labelWidth
                     text: qsTr("Postpone by")
+                    horizontalAlignment: Text.AlignRight
                     enabled: root.prefState.allowPostpone
                 }
                 RowLayout {
@@ -96,6 +102,8 @@ Item {
                     }
                 }
                 PrefBreakView.RowLabel {
+                    Layout.minimumWidth: root.labelWidth
+                    horizontalAlignment: Text.AlignRight
                     text: qsTr("At most")
                     enabled: root.prefState.allowPostpone
                 }
