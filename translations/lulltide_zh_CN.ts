@@ -274,6 +274,21 @@
     </message>
 </context>
 <context>
+    <name>HoldSource</name>
+    <message>
+        <source>another program is full screen</source>
+        <translation>其他程序正在全屏</translation>
+    </message>
+    <message>
+        <source>an application keeps the session awake</source>
+        <translation>有应用阻止会话空闲</translation>
+    </message>
+    <message>
+        <source>Do Not Disturb is on</source>
+        <translation>勿扰模式已开启</translation>
+    </message>
+</context>
+<context>
     <name>PanelAbsenceNotice</name>
     <message>
         <source>Lulltide is running</source>

@@ -5,7 +5,7 @@
 #include "StateChanges.h"
 #include "break/PromptState.h"
 #include "break/WindowController.h"
-#include "events/HoldSource.h"
+#include "events/HoldConditions.h"
 #include "logging/Logger.h"
 #include "logging/NumberText.h"
 #include "preferences/PrefState.h"
@@ -178,8 +178,8 @@ void BreakGate::holdOptionChanged()
 {
     const bool on = AppState::prefState().holdBreaks();
     if (on && !m_holdSource) {
-        if (const auto& factory = holdSourceFactory())
-            m_holdSource = factory();
+        const auto& factory = holdSourceFactory();
+        m_holdSource = factory ? factory() : HoldConditions::make();
         if (m_holdSource)
             connect(m_holdSource.get(), &HoldSource::holdingChanged, this, &BreakGate::holdChanged);
     } else if (!on && m_holdSource) {
