@@ -8,12 +8,14 @@
 #include "break/IconFont.h"
 #include "break/PrefStyleState.h"
 #include "break/WindowController.h"
+#include "history/HistoryStore.h"
 #include "preferences/PrefState.h"
 #include "statusbar/AppInfo.h"
 #include "timer/TicktackController.h"
 #include "timer/TicktackState.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFontDatabase>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -92,7 +94,8 @@ class SettingsTest : public QObject {
         click(find(name));
         QTRY_COMPARE(
             find("tabs")->property("currentIndex").toInt(),
-            QStringList({"generalTab", "workflowTab", "styleTab", "timingTab", "aboutTab"}).indexOf(name));
+            QStringList({"generalTab", "workflowTab", "styleTab", "timingTab", "historyTab", "aboutTab"})
+                .indexOf(name));
     }
 
     // Types into a field as a person does: click, select all, type.
@@ -173,7 +176,7 @@ private slots:
             QVERIFY(QMetaObject::invokeMethod(bar, "itemAt", Q_RETURN_ARG(QQuickItem*, tab), Q_ARG(int, i)));
             labels << tab->property("text").toString();
         }
-        QCOMPARE(labels, QStringList({"General", "Workflow", "Style", "Timing", "About"}));
+        QCOMPARE(labels, QStringList({"General", "Workflow", "Style", "Timing", "History", "About"}));
     }
 
     void theWindowCannotBeMadeSmallerThan480By400()
@@ -507,6 +510,80 @@ private slots:
         QTRY_COMPARE(prefs().customBreakPrompt(), !before);
         QTest::keyClick(window(), Qt::Key_Space);
         QTRY_COMPARE(prefs().customBreakPrompt(), before);
+    }
+
+    static bool chartsLoaded()
+    {
+        QFile maps("/proc/self/maps");
+        return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libQt6Charts");
+    }
+
+    void theHistoryTabLoadsItsChartOnlyWhenOpenedAndSaysHowTheWeekWent()
+    {
+        QVERIFY(!TestSupport::findItem(window()->contentItem(), "historyView"));
+        QVERIFY(!chartsLoaded());
+        const QDate today = QDate::currentDate();
+        {
+            HistoryStore store;
+            const auto add = [&store, &today](int hour, int minute, const QString& kind,
+                                              const QString& breakKind, const QString& detail,
+                                              double seconds = 0) {
+                HistoryStore::Event event;
+                event.seconds = seconds;
+                event.utc = QDateTime(today, QTime(hour, minute)).toUTC();
+                event.localDate = today.toString(Qt::ISODate);
+                event.kind = kind;
+                event.breakKind = breakKind;
+                event.detail = detail;
+                QVERIFY(store.record(event));
+            };
+            add(0, 10, "work_started", {}, {}, 1500);
+            add(0, 35, "break_started", "short", {});
+            add(0, 40, "break_ended", "short", "full");
+            add(0, 40, "paused", {}, "menu");
+        }
+        openTab("historyTab");
+        QTRY_VERIFY(TestSupport::findItem(window()->contentItem(), "historyView"));
+        QVERIFY(chartsLoaded());
+        QTRY_COMPARE(find("historySentence")->property("text").toString(),
+                     "This week: 1 of 1 breaks taken; longest stretch without a break: 25 min (" +
+                         QLocale().dayName(today.dayOfWeek()) + ").");
+        QVERIFY(find("historyChart")->isVisible());
+        QCOMPARE(find("historyDayLine")->property("text").toString(),
+                 "First line: time at the screen; second: the longest stretch without a break.");
+
+        // A month: the same sentence over 30 days, and a day's times where the pointer is.
+        click(find("thirtyDays"));
+        QTRY_VERIFY(
+            find("historySentence")->property("text").toString().startsWith("These 30 days: 1 of 1 breaks"));
+        QCOMPARE(find("historyDayLine")->property("text").toString(),
+                 "Point at a day for its time at the screen and its longest stretch without a break.");
+        QVERIFY(find("historyView")->setProperty("pointedDay", 29)); // today, the last bar
+        QCOMPARE(find("historyDayLine")->property("text").toString(),
+                 QLocale().toString(today, QLocale::LongFormat) +
+                     ": 25 min at the screen; longest stretch without a break: 25 min.");
+        click(find("thirtyDays"));
+        QTRY_VERIFY(find("historySentence")->property("text").toString().startsWith("This week:"));
+    }
+
+    void forgetHistoryAsksFirstAndThenDeletesTheFile()
+    {
+        openTab("historyTab");
+        const QString file = HistoryStore::defaultPath();
+        QVERIFY(QFile::exists(file));
+        QObject* confirmation = window()->findChild<QObject*>("forgetConfirmation");
+        QVERIFY(confirmation);
+        click(find("forgetHistory"));
+        QTRY_VERIFY(confirmation->property("opened").toBool());
+        QVERIFY(QMetaObject::invokeMethod(confirmation, "reject"));
+        QTRY_VERIFY(!confirmation->property("visible").toBool());
+        QVERIFY(QFile::exists(file)); // asked, and said no
+        click(find("forgetHistory"));
+        QTRY_VERIFY(confirmation->property("opened").toBool());
+        QVERIFY(QMetaObject::invokeMethod(confirmation, "accept"));
+        QTRY_VERIFY(!QFile::exists(file));
+        QTRY_COMPARE(find("historySentence")->property("text").toString(),
+                     "This week: nothing recorded yet.");
     }
 
     void aboutShowsTheGlyphNameVersionLinkAndCopyright()

@@ -72,9 +72,10 @@ private slots:
         QVERIFY(window);
         QCOMPARE(window->title(), "设置");
         QStringList tabs;
-        for (const char* tab : {"generalTab", "workflowTab", "styleTab", "timingTab", "aboutTab"})
+        for (const char* tab :
+             {"generalTab", "workflowTab", "styleTab", "timingTab", "historyTab", "aboutTab"})
             tabs << TestSupport::findItem(window->contentItem(), tab)->property("text").toString();
-        QCOMPARE(tabs, QStringList({"通用", "工作流", "风格", "时机", "关于"}));
+        QCOMPARE(tabs, QStringList({"通用", "工作流", "风格", "时机", "历史", "关于"}));
         QCOMPARE(TestSupport::findItem(window->contentItem(), "launchAtLogin")->property("text").toString(),
                  "登录时启动");
         window->close();

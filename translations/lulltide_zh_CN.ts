@@ -174,10 +174,6 @@
         <translation>完成</translation>
     </message>
     <message>
-        <source>Lulltide is not running or cannot be reached, or refused the request</source>
-        <translation>Lulltide 没有运行或无法联系，或者拒绝了请求</translation>
-    </message>
-    <message>
         <source>usage error: an unknown option, a stray argument or two options at once</source>
         <translation>用法错误：未知的选项、多余的参数，或同时给了两个选项</translation>
     </message>
@@ -212,6 +208,30 @@
     <message>
         <source>MINUTES of --postpone must be a whole number from 1 to %1.</source>
         <translation>--postpone 的 MINUTES 必须是 1 到 %1 之间的整数。</translation>
+    </message>
+    <message>
+        <source>Print the breaks of the last DAYS days (default 7) from the history file, one line a day.</source>
+        <translation>从历史文件打印最近 DAYS 天（默认 7 天）的休息情况，每天一行。</translation>
+    </message>
+    <message>
+        <source>Write every event of the history file as CSV to standard output.</source>
+        <translation>将历史文件中的每个事件以 CSV 格式写到标准输出。</translation>
+    </message>
+    <message>
+        <source>Give one option at a time.</source>
+        <translation>一次只能给出一个选项。</translation>
+    </message>
+    <message>
+        <source>DAYS of --history must be a whole number from 1 to 366.</source>
+        <translation>--history 的 DAYS 必须是 1 到 366 之间的整数。</translation>
+    </message>
+    <message>
+        <source>Lulltide is not running or cannot be reached, or refused the request; or the history file cannot be read</source>
+        <translation>Lulltide 没有运行或无法联系，或者拒绝了请求；或者无法读取历史文件</translation>
+    </message>
+    <message>
+        <source>Cannot read the history file %1: %2.</source>
+        <translation>无法读取历史文件 %1：%2。</translation>
     </message>
 </context>
 <context>
@@ -271,6 +291,72 @@
         <source>%1 %2</source>
         <comment>minutes, then seconds</comment>
         <translation>%1 %2</translation>
+    </message>
+</context>
+<context>
+    <name>HistoryModel</name>
+    <message>
+        <source>The history cannot be read: %1.</source>
+        <translation>无法读取历史：%1。</translation>
+    </message>
+</context>
+<context>
+    <name>HistorySummary</name>
+    <message>
+        <source>%1 min</source>
+        <translation>%1分钟</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1小时%2分</translation>
+    </message>
+    <message>
+        <source>This week</source>
+        <translation>本周</translation>
+    </message>
+    <message>
+        <source>These %1 days</source>
+        <translation>这 %1 天</translation>
+    </message>
+    <message>
+        <source>%1: nothing recorded yet.</source>
+        <translation>%1：尚无记录。</translation>
+    </message>
+    <message>
+        <source>%1: %2 of %3 breaks taken; longest stretch without a break: %4 (%5).</source>
+        <translation>%1：%3 次休息中完成了 %2 次；最长连续未休息：%4（%5）。</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>日期</translation>
+    </message>
+    <message>
+        <source>Breaks</source>
+        <translation>休息</translation>
+    </message>
+    <message>
+        <source>Taken</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>Skipped</source>
+        <translation>跳过</translation>
+    </message>
+    <message>
+        <source>Postponed</source>
+        <translation>推迟</translation>
+    </message>
+    <message>
+        <source>At the screen</source>
+        <translation>屏幕前</translation>
+    </message>
+    <message>
+        <source>Longest stretch</source>
+        <translation>最长连续</translation>
+    </message>
+    <message>
+        <source>Today</source>
+        <translation>今天</translation>
     </message>
 </context>
 <context>
@@ -433,6 +519,61 @@
     </message>
 </context>
 <context>
+    <name>PrefHistoryView</name>
+    <message>
+        <source>Keep a history of my breaks</source>
+        <translation>记录我的休息历史</translation>
+    </message>
+    <message>
+        <source>30 days</source>
+        <translation>30 天</translation>
+    </message>
+    <message>
+        <source>7 days</source>
+        <translation>7 天</translation>
+    </message>
+    <message>
+        <source>Taken</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>Skipped</source>
+        <translation>跳过</translation>
+    </message>
+    <message>
+        <source>Postponed</source>
+        <translation>推迟</translation>
+    </message>
+    <message>
+        <source>First line: time at the screen; second: the longest stretch without a break.</source>
+        <translation>第一行：在屏幕前的时间；第二行：最长连续未休息时间。</translation>
+    </message>
+    <message>
+        <source>Kept on this computer only, in %1.</source>
+        <translation>仅保存在这台电脑上：%1。</translation>
+    </message>
+    <message>
+        <source>Forget history</source>
+        <translation>清除历史</translation>
+    </message>
+    <message>
+        <source>Forget history?</source>
+        <translation>清除历史？</translation>
+    </message>
+    <message>
+        <source>Every recorded break is deleted. This cannot be undone.</source>
+        <translation>所有记录的休息都将被删除，且无法恢复。</translation>
+    </message>
+    <message>
+        <source>Point at a day for its time at the screen and its longest stretch without a break.</source>
+        <translation>指向某一天，查看当天在屏幕前的时间和最长连续未休息时间。</translation>
+    </message>
+    <message>
+        <source>%1: %2 at the screen; longest stretch without a break: %3.</source>
+        <translation>%1：在屏幕前 %2；最长连续未休息：%3。</translation>
+    </message>
+</context>
+<context>
     <name>PrefStyleView</name>
     <message>
         <source>Break Style</source>
@@ -531,6 +672,10 @@
     <message>
         <source>Timing</source>
         <translation>时机</translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation>历史</translation>
     </message>
 </context>
 <context>

@@ -5,6 +5,7 @@
 #include "BreakGate.h"
 #include "break/PromptState.h"
 #include "break/WindowController.h"
+#include "history/HistoryRecorder.h"
 #include "logging/Logger.h"
 #include "timer/TicktackState.h"
 
@@ -54,27 +55,45 @@ void closeBreakShown(const QString& why)
 
 } // namespace
 
-void pause()
+QString originName(Origin origin)
 {
-    if (!AppState::manualPause())
+    switch (origin) {
+    case Origin::Menu:
+        return QStringLiteral("menu");
+    case Origin::MiddleClick:
+        return QStringLiteral("middle_click");
+    case Origin::Bus:
+        return QStringLiteral("bus");
+    case Origin::Other:
+        break;
+    }
+    return QStringLiteral("other");
+}
+
+void pause(Origin origin)
+{
+    if (!AppState::manualPause()) {
+        HistoryRecorder::instance().paused(originName(origin));
         AppState::setManualPause(true);
+    }
     closeBreakShown(QStringLiteral("paused during a break: closing the break windows"));
 }
 
-void resume()
+void resume(Origin origin)
 {
     if (!AppState::manualPause() && AppState::working())
         return;
+    HistoryRecorder::instance().resumed(originName(origin));
     closeBreakShown(QStringLiteral("resumed during a break: closing the break windows"));
     AppState::setManualPause(false);
 }
 
-void togglePause()
+void togglePause(Origin origin)
 {
     if (AppState::manualPause())
-        resume();
+        resume(origin);
     else
-        pause();
+        pause(origin);
 }
 
 bool skip()

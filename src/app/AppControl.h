@@ -18,6 +18,11 @@ struct Status {
     QString breakTimeString;
 };
 
+// Where a request came from, for the history: the panel's menu (and its shortcut), a middle
+// click on the panel item, or the bus (the command line, scripts, desktop actions).
+enum class Origin { Menu, MiddleClick, Bus, Other };
+QString originName(Origin origin);
+
 Status status();
 
 // One line for people and scripts: "working 24:13", "break 03:12", "held +03:12", "paused" or
@@ -27,13 +32,13 @@ QString statusLine(const Status& status);
 // Pauses by hand as the menu's pause entry does; nothing when already paused. A break on the
 // screen is closed too: it covers the panel, so nobody could resume from there, and its
 // countdown no longer runs.
-void pause();
+void pause(Origin origin = Origin::Other);
 // Ends a pause by hand, or restarts counting stopped by idleness; a running work period or
 // break goes on untouched. A break screen still up (the greeting of a new day) closes first:
 // the fresh work period would otherwise count behind it.
-void resume();
+void resume(Origin origin = Origin::Other);
 // The menu's pause entry, its middle click and its shortcut: pause() or resume().
-void togglePause();
+void togglePause(Origin origin = Origin::Other);
 // The Skip button: false (and nothing happens) when no break is up or the break is forced.
 bool skip();
 // Moves the coming or shown break `minutes` from now (the setting when 0): the Postpone button,

@@ -4,6 +4,7 @@
 #include "AppState.h"
 #include "break/WindowController.h"
 #include "events/SystemEventController.h"
+#include "history/HistoryRecorder.h"
 #include "logging/Logger.h"
 #include "statusbar/StatusBarController.h"
 
@@ -13,6 +14,8 @@ AppDelegate::AppDelegate(QObject* parent) : QObject(parent) {}
 
 void AppDelegate::applicationDidFinishLaunching()
 {
+    // Follows the cycle from its first work period on.
+    HistoryRecorder::instance().start();
     // Starts the first work period and labels the pause entry.
     AppState::setWorking(true);
     WindowController::setup();
@@ -21,4 +24,7 @@ void AppDelegate::applicationDidFinishLaunching()
     logger().info(QStringLiteral("sandbox home path: ") + QDir::homePath());
 }
 
-void AppDelegate::applicationWillTerminate() {}
+void AppDelegate::applicationWillTerminate()
+{
+    HistoryRecorder::instance().stopped();
+}

@@ -6,6 +6,7 @@
 #include "break/PromptState.h"
 #include "break/WindowController.h"
 #include "events/HoldConditions.h"
+#include "history/HistoryRecorder.h"
 #include "logging/Logger.h"
 #include "logging/NumberText.h"
 #include "preferences/PrefState.h"
@@ -102,6 +103,7 @@ QString BreakGate::postpone(double seconds)
     ++m_postpones;
     logger().info(QStringLiteral("break postponed by ") + numberText(seconds) + QStringLiteral(" seconds, ") +
                   numberText(m_postpones) + QStringLiteral(" in a row"));
+    HistoryRecorder::instance().postponed(seconds);
     leaveHold();
     m_releasing = false;
     withdrawHeadsUp();
@@ -125,6 +127,8 @@ void BreakGate::startNow()
     if (WindowController::isBreakShown() || !AppState::working())
         return;
     logger().info(QStringLiteral("break started early from its heads-up"));
+    if (m_held)
+        HistoryRecorder::instance().holdReleased(QStringLiteral("start_now"));
     leaveHold();
     showBreakNow();
 }
@@ -169,6 +173,7 @@ void BreakGate::holdChanged()
     }
     logger().info(QStringLiteral("nothing holds the break any more: it comes in ") +
                   numberText(releaseDelay) + QStringLiteral(" seconds"));
+    HistoryRecorder::instance().holdReleased(QStringLiteral("cleared"));
     leaveHold();
     m_releaseStarting = true;
     TicktackController::work(releaseDelay);
@@ -185,6 +190,7 @@ void BreakGate::holdOptionChanged()
     } else if (!on && m_holdSource) {
         m_holdSource.reset();
         if (m_held) {
+            HistoryRecorder::instance().holdReleased(QStringLiteral("option_off"));
             leaveHold();
             m_releaseStarting = true;
             TicktackController::work(releaseDelay);
@@ -202,6 +208,7 @@ void BreakGate::showBreakNow()
 void BreakGate::enterHold()
 {
     logger().info(QStringLiteral("break held: ") + m_holdSource->reason());
+    HistoryRecorder::instance().held();
     m_held = true;
     m_heldSeconds = 0;
     m_releasing = false;

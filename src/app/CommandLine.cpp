@@ -3,6 +3,8 @@
 
 #include "AppControl.h"
 #include "ControlService.h"
+#include "history/HistoryStore.h"
+#include "history/HistorySummary.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -75,7 +77,10 @@ QString helpText(const QCommandLineParser& parser)
 {
     return parser.helpText() + u'\n' + tr("Exit status:") + u'\n' +
            QStringLiteral("  0  %1\n  1  %2\n  2  %3\n")
-               .arg(tr("done"), tr("Lulltide is not running or cannot be reached, or refused the request"),
+               .arg(tr("done"),
+                    tr("Lulltide is not running or cannot be reached, or refused the request; or the history "
+                       "file "
+                       "cannot be read"),
                     tr("usage error: an unknown option, a stray argument or two options at once"));
 }
 
@@ -212,20 +217,77 @@ int talkToHolder(const QDBusConnection& bus, const Command* command, const QVari
     return send(bus, *command, arguments);
 }
 
-// "--postpone=10" reads as "--postpone 10": the minutes are an optional argument of the option.
-QStringList withPostponeMinutesApart(QStringList arguments)
+// "--postpone=10" reads as "--postpone 10", "--history=30" as "--history 30": the number is an
+// optional argument of the option.
+QStringList withOptionalNumbersApart(QStringList arguments)
 {
-    const QString prefix = QStringLiteral("--postpone=");
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         if (arguments.at(i) == QLatin1String("--"))
             break;
-        if (arguments.at(i).startsWith(prefix)) {
-            const QString minutes = arguments.at(i).mid(prefix.size());
-            arguments[i] = QStringLiteral("--postpone");
-            arguments.insert(i + 1, minutes);
+        for (const QString& option : {QStringLiteral("--postpone="), QStringLiteral("--history=")}) {
+            if (arguments.at(i).startsWith(option)) {
+                const QString number = arguments.at(i).mid(option.size());
+                arguments[i] = option.chopped(1);
+                arguments.insert(i + 1, number);
+            }
         }
     }
     return arguments;
+}
+
+// The history is read from its file: no bus, no display, nothing running needed. Nothing is
+// logged: standard output is the table or the CSV alone.
+bool historyReadable(const HistoryStore& store, const QString& error)
+{
+    if (error.isEmpty())
+        return true;
+    printLine(stderr, tr("Cannot read the history file %1: %2.").arg(store.path(), error));
+    return false;
+}
+
+int printHistory(int days)
+{
+    const HistoryStore store;
+    QString error;
+    const QList<HistorySummary::Day> summary = HistorySummary::lastDays(store, days, &error);
+    if (!historyReadable(store, error))
+        return Failed;
+    std::fputs(qPrintable(HistorySummary::table(summary)), stdout);
+    return Done;
+}
+
+// A field as spreadsheets read it; control characters (a terminal's escape sequences among
+// them) become spaces.
+QString csvField(QString text)
+{
+    for (QChar& c : text) {
+        if (c.category() == QChar::Other_Control)
+            c = u' ';
+    }
+    if (!text.contains(u',') && !text.contains(u'"'))
+        return text;
+    return u'"' + text.replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
+int printHistoryCsv()
+{
+    const HistoryStore store;
+    QString error;
+    const QList<HistoryStore::Event> events = store.read(QDate(1970, 1, 1), QDate(9999, 12, 31), &error);
+    if (!historyReadable(store, error))
+        return Failed;
+    std::fputs("utc,local_date,kind,break_kind,seconds,detail\n", stdout);
+    for (const HistoryStore::Event& event : events) {
+        const QStringList fields{
+            event.utc.toString(Qt::ISODateWithMs),  event.localDate, event.kind, event.breakKind,
+            QString::number(event.seconds, 'f', 3), event.detail};
+        QStringList quoted;
+        for (const QString& field : fields)
+            quoted << csvField(field);
+        std::fputs(qPrintable(quoted.join(u',') + u'\n'), stdout);
+    }
+    std::fflush(stdout);
+    return Done;
 }
 
 // MINUTES of --postpone: a whole number from 1 to the longest postpone.
@@ -261,8 +323,16 @@ Outcome read()
     const QCommandLineOption version = parser.addVersionOption();
     for (const Command& command : commands)
         parser.addOption(QCommandLineOption(QString::fromLatin1(command.option), tr(command.description)));
+    const QCommandLineOption history(
+        QStringLiteral("history"),
+        tr("Print the breaks of the last DAYS days (default 7) from the history file, one line a day."));
+    const QCommandLineOption historyCsv(
+        QStringLiteral("history-csv"),
+        tr("Write every event of the history file as CSV to standard output."));
+    parser.addOption(history);
+    parser.addOption(historyCsv);
 
-    if (!parser.parse(withPostponeMinutesApart(QCoreApplication::arguments())))
+    if (!parser.parse(withOptionalNumbersApart(QCoreApplication::arguments())))
         return usageError(parser.errorText());
     if (parser.isSet(help)) {
         std::fputs(qPrintable(helpText(parser)), stdout);
@@ -274,6 +344,30 @@ Outcome read()
         return finished(Done);
     }
     QStringList positional = parser.positionalArguments();
+    const int historyOptions = int(parser.isSet(history)) + int(parser.isSet(historyCsv));
+    if (historyOptions > 0) {
+        const bool another =
+            std::any_of(std::begin(commands), std::end(commands), [&parser](const Command& command) {
+                return parser.isSet(QString::fromLatin1(command.option));
+            });
+        if (another || historyOptions > 1)
+            return usageError(tr("Give one option at a time."));
+        if (parser.isSet(historyCsv)) {
+            if (!positional.isEmpty())
+                return usageError(tr("Unexpected argument '%1'.").arg(positional.constFirst()));
+            return finished(printHistoryCsv());
+        }
+        int days = 7;
+        if (!positional.isEmpty()) {
+            bool ok = false;
+            days = positional.takeFirst().trimmed().toInt(&ok);
+            if (!ok || days < 1 || days > 366)
+                return usageError(tr("DAYS of --history must be a whole number from 1 to 366."));
+        }
+        if (!positional.isEmpty())
+            return usageError(tr("Unexpected argument '%1'.").arg(positional.constFirst()));
+        return finished(printHistory(days));
+    }
     QVariantList arguments;
     if (parser.isSet(QString::fromLatin1(postponeCommand.option))) {
         uint minutes = 0;

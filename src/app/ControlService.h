@@ -53,9 +53,9 @@ public:
     static constexpr int countdownSlack = 50;
 
 public slots:
-    void TogglePause() { AppControl::togglePause(); }
-    void Pause() { AppControl::pause(); }
-    void Resume() { AppControl::resume(); }
+    void TogglePause() { AppControl::togglePause(AppControl::Origin::Bus); }
+    void Pause() { AppControl::pause(AppControl::Origin::Bus); }
+    void Resume() { AppControl::resume(AppControl::Origin::Bus); }
     // Ends the break that is up; a forced long break is refused with cannotSkipError, so the
     // caller can say why nothing happened. With no break up there is nothing to do.
     void Skip();

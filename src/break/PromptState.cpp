@@ -8,9 +8,11 @@
 #include "app/AppState.h"
 #include "app/BreakGate.h"
 #include "app/WorkItem.h"
+#include "history/HistoryRecorder.h"
 #include "logging/Logger.h"
 #include "preferences/PrefState.h"
 #include "timer/TicktackController.h"
+#include "timer/TicktackState.h"
 
 #include <QRandomGenerator>
 #include <utility>
@@ -134,6 +136,7 @@ void PromptState::postpone()
 void PromptState::skip()
 {
     logger().info(QStringLiteral("skip break view"));
+    HistoryRecorder::instance().breakEnded(AppState::breakState().timesUp());
     AppState::breakGate().breakFinished();
     AppState::promptState().closePrompt();
 }

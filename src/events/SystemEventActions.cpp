@@ -7,6 +7,7 @@
 #include "app/WorkItem.h"
 #include "break/PromptState.h"
 #include "break/WindowController.h"
+#include "history/HistoryRecorder.h"
 #include "preferences/PrefState.h"
 
 #include <QCoreApplication>
@@ -30,6 +31,7 @@ bool isNewDay(double lastLock, double now)
 void didLockScreenShow()
 {
     PrefState& prefs = AppState::prefState();
+    HistoryRecorder::instance().locked(prefs.restartTimerAfterAwake());
     if (prefs.showNewDayTip())
         prefs.setLastWeakupTimestamp(secondsNow());
     if (prefs.restartTimerAfterAwake()) {
@@ -41,6 +43,7 @@ void didLockScreenShow()
 
 void didLockScreenDismiss()
 {
+    HistoryRecorder::instance().unlocked();
     PrefState& prefs = AppState::prefState();
     bool newDay = false;
     if (prefs.showNewDayTip()) {
@@ -58,8 +61,11 @@ void onTrigger()
 {
     if (!AppState::prefState().stopTimerAfterMouseStop())
         return;
-    if (!AppState::manualPause() && !AppState::working())
+    if (!AppState::manualPause() && !AppState::working()) {
+        if (AppState::stopCause() == AppState::StopCause::Idle)
+            HistoryRecorder::instance().idleRestarted();
         AppState::setWorking(true);
+    }
 
     const auto timeout = SystemEventController::idleItemDelay();
     // Pointer events come by the hundred each second: a pending timeout is moved, not rebuilt.
@@ -74,6 +80,9 @@ void onTrigger()
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
             [] {
+                // Paused by hand or locked, the cycle had stopped already.
+                if (AppState::working())
+                    HistoryRecorder::instance().idleStopped();
                 AppState::setStopCause(AppState::StopCause::Idle);
                 AppState::setWorking(false);
             },

@@ -319,6 +319,17 @@ void PrefState::setHoldBreaks(bool value)
     emit holdBreaksChanged();
 }
 
+bool PrefState::keepHistory() const
+{
+    return readBool(keepHistoryKey, true);
+}
+
+void PrefState::setKeepHistory(bool value)
+{
+    write(keepHistoryKey, value);
+    emit keepHistoryChanged();
+}
+
 void PrefState::setStyleState(PrefStyleState* styleState)
 {
     m_styleState = styleState;

@@ -53,6 +53,7 @@ class PrefState : public QObject {
     Q_PROPERTY(QString postponeLimitString READ postponeLimitString WRITE setPostponeLimitString NOTIFY
                    postponeLimitStringChanged)
     Q_PROPERTY(bool holdBreaks READ holdBreaks WRITE setHoldBreaks NOTIFY holdBreaksChanged)
+    Q_PROPERTY(bool keepHistory READ keepHistory WRITE setKeepHistory NOTIFY keepHistoryChanged)
     Q_PROPERTY(bool toldNoPanel READ toldNoPanel WRITE setToldNoPanel NOTIFY toldNoPanelChanged)
     Q_PROPERTY(PrefStyleState* styleState READ styleState WRITE setStyleState NOTIFY styleStateChanged)
     Q_PROPERTY(double workTime READ workTime NOTIFY workTimeStringChanged)
@@ -85,6 +86,7 @@ public:
     static constexpr const char postponeMinutesStringKey[] = "postpone_minutes";
     static constexpr const char postponeLimitStringKey[] = "postpone_limit";
     static constexpr const char holdBreaksKey[] = "hold_breaks";
+    static constexpr const char keepHistoryKey[] = "keep_history";
 
     // Reads nothing and writes nothing: values are read when they are asked for.
     explicit PrefState(QObject* parent = nullptr);
@@ -162,6 +164,10 @@ public:
     bool holdBreaks() const;
     void setHoldBreaks(bool value);
 
+    // Every event of the cycle written to a local database, for the History tab.
+    bool keepHistory() const;
+    void setKeepHistory(bool value);
+
     PrefStyleState* styleState() const { return m_styleState; }
     void setStyleState(PrefStyleState* styleState);
 
@@ -204,6 +210,7 @@ signals:
     void postponeMinutesStringChanged();
     void postponeLimitStringChanged();
     void holdBreaksChanged();
+    void keepHistoryChanged();
     void styleStateChanged();
 
 private:

@@ -44,6 +44,12 @@ Page {
             width: Math.max(96, implicitWidth)
         }
         TabButton {
+            objectName: "historyTab"
+            text: qsTr("History")
+            icon.name: "x-office-spreadsheet"
+            width: Math.max(96, implicitWidth)
+        }
+        TabButton {
             objectName: "aboutTab"
             text: qsTr("About")
             icon.name: "help-about"
@@ -66,6 +72,19 @@ Page {
         }
         PrefTimingView {
             prefState: root.prefState
+        }
+        // Qt Charts is loaded only by a person who opens the tab.
+        Loader {
+            id: historyLoader
+            objectName: "historyLoader"
+            Connections {
+                target: tabs
+                function onCurrentIndexChanged() {
+                    if (historyLoader.status === Loader.Null && tabs.currentItem
+                            && tabs.currentItem.objectName === "historyTab")
+                        historyLoader.setSource("PrefHistoryView.qml", {prefState: root.prefState})
+                }
+            }
         }
         PrefAboutView {
             appInfo: root.appInfo

@@ -46,7 +46,8 @@ StatusMenu* buildMenu()
 
     // The middle click and the tray menu's shortcut come here too; the one toggle they share
     // also takes down a break screen, whose countdown a pause stops.
-    auto* pause = entry({}, {}, QStringLiteral("p"), [] { AppControl::togglePause(); });
+    auto* pause =
+        entry({}, {}, QStringLiteral("p"), [] { AppControl::togglePause(AppControl::Origin::Menu); });
     pause->setTag(AppState::pauseItemTag);
     menu->addItem(pause);
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Settings..."),

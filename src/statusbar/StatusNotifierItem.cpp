@@ -7,6 +7,7 @@
 #include "StatusItem.h"
 #include "StatusMenu.h"
 #include "StatusMenuItem.h"
+#include "app/AppControl.h"
 #include "app/AppState.h"
 #include "logging/Logger.h"
 
@@ -209,12 +210,9 @@ void StatusNotifierItem::Activate(int x, int y)
 
 void StatusNotifierItem::SecondaryActivate(int, int)
 {
-    // A middle click pauses or resumes, like the menu's pause entry.
-    if (StatusMenu* menu = m_item.menu()) {
-        if (StatusMenuItem* pause = menu->itemWithTag(AppState::pauseItemTag))
-            QMetaObject::invokeMethod(
-                pause, [pause] { pause->trigger(); }, Qt::QueuedConnection);
-    }
+    // A middle click pauses or resumes, like the menu's pause entry; after this call's reply.
+    QMetaObject::invokeMethod(
+        this, [] { AppControl::togglePause(AppControl::Origin::MiddleClick); }, Qt::QueuedConnection);
 }
 
 void StatusNotifierItem::ContextMenu(int x, int y)

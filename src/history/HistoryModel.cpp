@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "HistoryModel.h"
+
+#include "HistoryRecorder.h"
+#include "HistoryStore.h"
+#include "HistorySummary.h"
+
+#include <QDir>
+#include <QLocale>
+
+namespace {
+
+// "~/.local/share/lulltide/history.sqlite", as a person would type it.
+QString shortPath(const QString& path)
+{
+    const QString home = QDir::homePath() + u'/';
+    return path.startsWith(home) ? QStringLiteral("~/") + path.mid(home.size()) : path;
+}
+
+} // namespace
+
+HistoryModel::HistoryModel(QObject* parent) : QObject(parent) {}
+
+QVariantMap HistoryModel::load(int days) const
+{
+    QString error;
+    const QList<HistorySummary::Day> summary =
+        HistorySummary::lastDays(HistoryRecorder::instance().store(), days, &error);
+
+    QVariantList labels, dates, taken, skipped, postponed, empty, screen, stretch;
+    int maximum = 0;
+    const QLocale locale;
+    for (const HistorySummary::Day& day : summary) {
+        // "Tue 24" under a week's bars; a month has room for the day of the month only.
+        const QString dayOfMonth = QString::number(day.date.day());
+        labels << (days <= 7 ? locale.dayName(day.date.dayOfWeek(), QLocale::ShortFormat) + u' ' + dayOfMonth
+                             : dayOfMonth);
+        taken << day.taken;
+        skipped << day.skipped;
+        postponed << day.postponed;
+        empty << day.empty;
+        dates << locale.toString(day.date, QLocale::LongFormat);
+        screen << (day.empty ? QStringLiteral("–") : HistorySummary::duration(day.screenSeconds));
+        stretch << (day.empty ? QStringLiteral("–") : HistorySummary::duration(day.longestStretchSeconds));
+        maximum = std::max(maximum, day.taken + day.skipped + day.postponed);
+    }
+    return {{QStringLiteral("labels"), labels},
+            {QStringLiteral("dates"), dates},
+            {QStringLiteral("taken"), taken},
+            {QStringLiteral("skipped"), skipped},
+            {QStringLiteral("postponed"), postponed},
+            {QStringLiteral("empty"), empty},
+            {QStringLiteral("screen"), screen},
+            {QStringLiteral("stretch"), stretch},
+            {QStringLiteral("maximum"), maximum},
+            {QStringLiteral("sentence"), error.isEmpty() ? HistorySummary::sentence(summary)
+                                                         : tr("The history cannot be read: %1.").arg(error)},
+            {QStringLiteral("path"), shortPath(HistoryRecorder::instance().store().path())}};
+}
+
+bool HistoryModel::forget() const
+{
+    return HistoryRecorder::instance().forget();
+}
