@@ -2,6 +2,7 @@
 #include "HistoryRecorder.h"
 
 #include "HistoryStore.h"
+#include "LibraryPages.h"
 #include "app/AppState.h"
 #include "app/BreakGate.h"
 #include "break/PromptState.h"
@@ -76,6 +77,10 @@ void HistoryRecorder::record(const QString& kind, double seconds, const QString&
     event.detail = detail;
     event.breakKind = breakKind;
     store().record(event);
+    // SQLite and its Qt driver wait for the next event, minutes away: their code need not stay
+    // mapped meanwhile.
+    LibraryPages::release({QByteArrayLiteral("libsqlite3.so"), QByteArrayLiteral("libQt6Sql.so"),
+                           QByteArrayLiteral("libqsqlite.so")});
 }
 
 void HistoryRecorder::workTicked()
