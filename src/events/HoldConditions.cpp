@@ -90,7 +90,7 @@ HoldConditions::HoldConditions(QList<HoldSource*> conditions, QObject* parent)
             emit holdingChanged();
         });
     }
-    m_holding = holding();
+    m_holding = HoldConditions::holding();
 }
 
 bool HoldConditions::holding() const

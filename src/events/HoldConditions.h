@@ -9,7 +9,7 @@
 // Everything that can hold a due break, as one: holding while any of them holds, with the reason
 // of the first that does. Made only while holding breaks is switched on; each condition the
 // desktop cannot report is left out (and said once in the log).
-class HoldConditions : public HoldSource {
+class HoldConditions final : public HoldSource {
     Q_OBJECT
 
 public:
