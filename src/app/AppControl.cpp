@@ -53,8 +53,6 @@ void closeBreakShown(const QString& why)
     WindowController::closeBreak();
 }
 
-} // namespace
-
 QString originName(Origin origin)
 {
     switch (origin) {
@@ -69,6 +67,8 @@ QString originName(Origin origin)
     }
     return QStringLiteral("other");
 }
+
+} // namespace
 
 void pause(Origin origin)
 {

@@ -122,6 +122,14 @@ void HistoryRecorder::closeOpenHold(const QString& why)
     record(QStringLiteral("hold_released"), AppState::breakGate().heldSeconds(), why);
 }
 
+void HistoryRecorder::cycleStopped(const QString& how, const QString& kind, const QString& detail,
+                                   double seconds)
+{
+    closeOpenBreak(how);
+    closeOpenHold(how);
+    record(kind, seconds, detail);
+}
+
 void HistoryRecorder::breakEnded(bool inFull)
 {
     m_sameBreakEndedAgain = !m_breakOpen;
@@ -130,9 +138,7 @@ void HistoryRecorder::breakEnded(bool inFull)
 
 void HistoryRecorder::paused(const QString& origin)
 {
-    closeOpenBreak(QStringLiteral("pause"));
-    closeOpenHold(QStringLiteral("pause"));
-    record(QStringLiteral("paused"), 0, origin);
+    cycleStopped(QStringLiteral("pause"), QStringLiteral("paused"), origin);
 }
 
 void HistoryRecorder::resumed(const QString& origin)
@@ -143,9 +149,7 @@ void HistoryRecorder::resumed(const QString& origin)
 
 void HistoryRecorder::postponed(double seconds)
 {
-    closeOpenBreak(QStringLiteral("postponed"));
-    closeOpenHold(QStringLiteral("postponed"));
-    record(QStringLiteral("postponed"), seconds);
+    cycleStopped(QStringLiteral("postponed"), QStringLiteral("postponed"), {}, seconds);
 }
 
 void HistoryRecorder::held()
@@ -167,9 +171,7 @@ void HistoryRecorder::locked(bool cycleStops)
         record(QStringLiteral("locked"), 0, QStringLiteral("cycle_runs"));
         return;
     }
-    closeOpenBreak(QStringLiteral("lock"));
-    closeOpenHold(QStringLiteral("lock"));
-    record(QStringLiteral("locked"));
+    cycleStopped(QStringLiteral("lock"), QStringLiteral("locked"));
 }
 
 void HistoryRecorder::unlocked()
@@ -179,9 +181,7 @@ void HistoryRecorder::unlocked()
 
 void HistoryRecorder::idleStopped()
 {
-    closeOpenBreak(QStringLiteral("idle"));
-    closeOpenHold(QStringLiteral("idle"));
-    record(QStringLiteral("idle_stopped"));
+    cycleStopped(QStringLiteral("idle"), QStringLiteral("idle_stopped"));
 }
 
 void HistoryRecorder::idleRestarted()
@@ -191,9 +191,7 @@ void HistoryRecorder::idleRestarted()
 
 void HistoryRecorder::stopped()
 {
-    closeOpenBreak(QStringLiteral("quit"));
-    closeOpenHold(QStringLiteral("quit"));
-    record(QStringLiteral("stopped"));
+    cycleStopped(QStringLiteral("quit"), QStringLiteral("stopped"));
 }
 
 bool HistoryRecorder::forget()
