@@ -64,7 +64,7 @@ class AppTest : public QObject {
         QTRY_VERIFY_WITH_TIMEOUT(logOf(home).contains("sandbox home path: "), 10000);
         QVERIFY(!app.waitForFinished(1500)); // still running
         app.terminate();
-        QVERIFY(app.waitForFinished(30000));
+        QVERIFY(app.waitForFinished(5000));
     }
 
 private slots:

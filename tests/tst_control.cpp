@@ -260,7 +260,7 @@ private slots:
         QCOMPARE(lulltide({"--settings"}, noDisplay).exitCode, 0);
         QTRY_VERIFY_WITH_TIMEOUT(showsTheSettingsWindow(instance), 10000);
         QCOMPARE(lulltide({"--quit"}, noDisplay).exitCode, 0);
-        QVERIFY(instance.process.waitForFinished(30000));
+        QVERIFY(instance.process.waitForFinished(5000));
         QCOMPARE(instance.process.exitCode(), 0);
     }
 
@@ -549,7 +549,7 @@ private slots:
         Instance instance;
         start(instance);
         QCOMPARE(lulltide({"--quit"}).exitCode, 0);
-        QVERIFY(instance.process.waitForFinished(30000));
+        QVERIFY(instance.process.waitForFinished(5000));
         QCOMPARE(instance.process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(instance.process.exitCode(), 0);
         QTRY_VERIFY(!serviceOwned());

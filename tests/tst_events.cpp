@@ -794,7 +794,7 @@ private slots:
                  1);
         QVERIFY(log.contains("ticktack timer start 3.0"));
         app.terminate();
-        QVERIFY(app.waitForFinished(30000));
+        QVERIFY(app.waitForFinished(5000));
     }
 };
 

@@ -188,7 +188,7 @@ private slots:
         start(instance);
         verifyCycleRuns(instance);
         instance.process.terminate();
-        QVERIFY(instance.process.waitForFinished(30000));
+        QVERIFY(instance.process.waitForFinished(5000));
         QCOMPARE(contents(instance.settingsPath()), garbage);
         QCOMPARE(QFileInfo(instance.settingsPath()).lastModified(), modified);
     }
