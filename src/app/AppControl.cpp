@@ -53,6 +53,8 @@ void closeBreakShown(const QString& why)
     WindowController::closeBreak();
 }
 
+} // namespace
+
 QString originName(Origin origin)
 {
     switch (origin) {
@@ -67,8 +69,6 @@ QString originName(Origin origin)
     }
     return QStringLiteral("other");
 }
-
-} // namespace
 
 void pause(Origin origin)
 {

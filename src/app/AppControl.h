@@ -21,6 +21,7 @@ struct Status {
 // Where a request came from, for the history: the panel's menu (and its shortcut), a middle
 // click on the panel item, or the bus (the command line, scripts, desktop actions).
 enum class Origin { Menu, MiddleClick, Bus, Other };
+QString originName(Origin origin);
 
 Status status();
 

@@ -78,8 +78,9 @@ QString helpText(const QCommandLineParser& parser)
     return parser.helpText() + u'\n' + tr("Exit status:") + u'\n' +
            QStringLiteral("  0  %1\n  1  %2\n  2  %3\n")
                .arg(tr("done"),
-                    tr("Lulltide is not running or cannot be reached, or refused the request; "
-                       "or the history file cannot be read"),
+                    tr("Lulltide is not running or cannot be reached, or refused the request; or the history "
+                       "file "
+                       "cannot be read"),
                     tr("usage error: an unknown option, a stray argument or two options at once"));
 }
 

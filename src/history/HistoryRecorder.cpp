@@ -122,14 +122,6 @@ void HistoryRecorder::closeOpenHold(const QString& why)
     record(QStringLiteral("hold_released"), AppState::breakGate().heldSeconds(), why);
 }
 
-void HistoryRecorder::cycleStopped(const QString& how, const QString& kind, const QString& detail,
-                                   double seconds)
-{
-    closeOpenBreak(how);
-    closeOpenHold(how);
-    record(kind, seconds, detail);
-}
-
 void HistoryRecorder::breakEnded(bool inFull)
 {
     m_sameBreakEndedAgain = !m_breakOpen;
@@ -138,7 +130,9 @@ void HistoryRecorder::breakEnded(bool inFull)
 
 void HistoryRecorder::paused(const QString& origin)
 {
-    cycleStopped(QStringLiteral("pause"), QStringLiteral("paused"), origin);
+    closeOpenBreak(QStringLiteral("pause"));
+    closeOpenHold(QStringLiteral("pause"));
+    record(QStringLiteral("paused"), 0, origin);
 }
 
 void HistoryRecorder::resumed(const QString& origin)
@@ -149,7 +143,9 @@ void HistoryRecorder::resumed(const QString& origin)
 
 void HistoryRecorder::postponed(double seconds)
 {
-    cycleStopped(QStringLiteral("postponed"), QStringLiteral("postponed"), {}, seconds);
+    closeOpenBreak(QStringLiteral("postponed"));
+    closeOpenHold(QStringLiteral("postponed"));
+    record(QStringLiteral("postponed"), seconds);
 }
 
 void HistoryRecorder::held()
@@ -171,7 +167,9 @@ void HistoryRecorder::locked(bool cycleStops)
         record(QStringLiteral("locked"), 0, QStringLiteral("cycle_runs"));
         return;
     }
-    cycleStopped(QStringLiteral("lock"), QStringLiteral("locked"));
+    closeOpenBreak(QStringLiteral("lock"));
+    closeOpenHold(QStringLiteral("lock"));
+    record(QStringLiteral("locked"));
 }
 
 void HistoryRecorder::unlocked()
@@ -181,7 +179,9 @@ void HistoryRecorder::unlocked()
 
 void HistoryRecorder::idleStopped()
 {
-    cycleStopped(QStringLiteral("idle"), QStringLiteral("idle_stopped"));
+    closeOpenBreak(QStringLiteral("idle"));
+    closeOpenHold(QStringLiteral("idle"));
+    record(QStringLiteral("idle_stopped"));
 }
 
 void HistoryRecorder::idleRestarted()
@@ -191,7 +191,9 @@ void HistoryRecorder::idleRestarted()
 
 void HistoryRecorder::stopped()
 {
-    cycleStopped(QStringLiteral("quit"), QStringLiteral("stopped"));
+    closeOpenBreak(QStringLiteral("quit"));
+    closeOpenHold(QStringLiteral("quit"));
+    record(QStringLiteral("stopped"));
 }
 
 bool HistoryRecorder::forget()

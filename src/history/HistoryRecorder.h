@@ -53,10 +53,6 @@ private:
     void closeOpenBreak(const QString& how);
     // A break still held stops waiting, for `why`.
     void closeOpenHold(const QString& why);
-    // The countdown stops (`how`: pause, lock, idle, postponed, quit): the break up or held ends
-    // with it, then the event itself.
-    void cycleStopped(const QString& how, const QString& kind, const QString& detail = {},
-                      double seconds = 0);
 
     std::unique_ptr<HistoryStore> m_store;
     bool m_started = false;
