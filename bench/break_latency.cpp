@@ -2,12 +2,12 @@
 // Measures how long the break screen takes to appear: from the tick that ends the work
 // countdown to the first frame of the break window on every screen, drawn on the X server.
 // Run it through bench/break-latency, which gives it a virtual X server and a scratch HOME.
-#include "app/AppState.h"
-#include "break/PromptState.h"
 #include "break/WindowController.h"
+#include "cycle/AppState.h"
+#include "cycle/PromptState.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
 #include "statusbar/StatusBarController.h"
-#include "timer/TicktackController.h"
-#include "timer/TicktackState.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

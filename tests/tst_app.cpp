@@ -3,13 +3,13 @@
 #include "support/TestMain.h"
 
 #include "app/AppDelegate.h"
-#include "app/AppState.h"
+#include "cycle/AppState.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
 #include "statusbar/StatusBarController.h"
 #include "statusbar/StatusItem.h"
 #include "statusbar/StatusMenu.h"
 #include "statusbar/StatusMenuItem.h"
-#include "timer/TicktackController.h"
-#include "timer/TicktackState.h"
 
 #include <QDir>
 #include <QFile>

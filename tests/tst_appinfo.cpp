@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TestMain.h"
 
-#include "statusbar/AppInfo.h"
+#include "appinfo/AppInfo.h"
 #include "statusbar/StatusBarController.h"
 #include "statusbar/StatusMenu.h"
 #include "statusbar/StatusMenuItem.h"

@@ -2,13 +2,13 @@
 #include "support/ManualTickSource.h"
 #include "support/TestMain.h"
 
-#include "app/AppState.h"
-#include "app/WorkItem.h"
+#include "cycle/AppState.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
+#include "cycle/WorkItem.h"
 #include "statusbar/StatusBarController.h"
 #include "statusbar/StatusMenu.h"
 #include "statusbar/StatusMenuItem.h"
-#include "timer/TicktackController.h"
-#include "timer/TicktackState.h"
 
 using namespace std::chrono_literals;
 

@@ -2,18 +2,18 @@
 #include "support/ManualTickSource.h"
 #include "support/TestMain.h"
 
-#include "app/AppState.h"
-#include "app/WorkItem.h"
-#include "break/BreakStyle.h"
-#include "break/PrefStyleState.h"
-#include "break/PromptState.h"
 #include "break/WindowController.h"
+#include "cycle/AppState.h"
+#include "cycle/PromptState.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
+#include "cycle/WorkItem.h"
+#include "preferences/BreakStyle.h"
 #include "preferences/PrefState.h"
+#include "preferences/PrefStyleState.h"
 #include "preferences/SettingsStore.h"
 #include "statusbar/StatusBarController.h"
 #include "statusbar/StatusItem.h"
-#include "timer/TicktackController.h"
-#include "timer/TicktackState.h"
 
 #include <QPointer>
 #include <QPropertyAnimation>

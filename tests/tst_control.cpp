@@ -2,10 +2,10 @@
 #include "support/ManualTickSource.h"
 #include "support/TestMain.h"
 
-#include "app/AppControl.h"
-#include "app/AppState.h"
-#include "app/ControlService.h"
-#include "timer/TicktackController.h"
+#include "control/ControlService.h"
+#include "cycle/AppState.h"
+#include "cycle/CycleControl.h"
+#include "cycle/TicktackController.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -693,7 +693,7 @@ private slots:
             QTest::qWait(1100);
             ticks->tick();
             announcements.clear();
-            AppControl::pause();
+            CycleControl::pause();
             // The tick's countdown may still be on its way; the pause comes with it or after it.
             const auto pauseAnnounced = [&] {
                 for (const Announcement& announcement : announcements) {
@@ -704,7 +704,7 @@ private slots:
                 return false;
             };
             QTRY_VERIFY_WITH_TIMEOUT(pauseAnnounced(), 500);
-            AppControl::resume();
+            CycleControl::resume();
         }
         QDBusConnection::disconnectFromBus(QStringLiteral("inprocess2"));
         QTRY_VERIFY(!serviceOwned());
@@ -712,17 +712,17 @@ private slots:
 
     void statusLineNamesEachState()
     {
-        AppControl::Status status;
+        CycleControl::Status status;
         status.workTimeString = "24:13";
         status.breakTimeString = "03:12";
-        QCOMPARE(AppControl::statusLine(status), "stopped");
+        QCOMPARE(CycleControl::statusLine(status), "stopped");
         status.working = true;
-        QCOMPARE(AppControl::statusLine(status), "working 24:13");
+        QCOMPARE(CycleControl::statusLine(status), "working 24:13");
         status.inBreak = true;
-        QCOMPARE(AppControl::statusLine(status), "break 03:12");
+        QCOMPARE(CycleControl::statusLine(status), "break 03:12");
         status = {};
         status.manualPause = true;
-        QCOMPARE(AppControl::statusLine(status), "paused");
+        QCOMPARE(CycleControl::statusLine(status), "paused");
     }
 };
 

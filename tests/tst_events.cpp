@@ -3,20 +3,20 @@
 #include "support/TestMain.h"
 
 #include "app/AppDelegate.h"
-#include "app/AppState.h"
-#include "app/WorkItem.h"
-#include "break/PromptState.h"
 #include "break/WindowController.h"
+#include "cycle/AppState.h"
+#include "cycle/PromptState.h"
+#include "cycle/SystemEventActions.h"
+#include "cycle/SystemEventController.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
+#include "cycle/WorkItem.h"
 #include "events/ChineseDate.h"
 #include "events/PointerMonitor.h"
-#include "events/SystemEventActions.h"
-#include "events/SystemEventController.h"
 #include "preferences/PrefState.h"
 #include "statusbar/StatusBarController.h"
 #include "statusbar/StatusMenu.h"
 #include "statusbar/StatusMenuItem.h"
-#include "timer/TicktackController.h"
-#include "timer/TicktackState.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

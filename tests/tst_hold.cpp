@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TestMain.h"
 
-#include "events/DBusPropertyHoldSource.h"
-#include "events/FullScreenHoldSource.h"
-#include "events/GSettingsHoldSource.h"
-#include "events/HoldConditions.h"
-#include "events/PowerInhibitHoldSource.h"
-#include "events/XfconfHoldSource.h"
+#include "hold/DBusPropertyHoldSource.h"
+#include "hold/FullScreenHoldSource.h"
+#include "hold/GSettingsHoldSource.h"
+#include "hold/HoldConditions.h"
+#include "hold/PowerInhibitHoldSource.h"
+#include "hold/XfconfHoldSource.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>

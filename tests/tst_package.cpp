@@ -5,10 +5,11 @@
 #include "Config.h"
 #include "app/AppDelegate.h"
 #include "break/WindowController.h"
+#include "cycle/TicktackController.h"
+#include "settings/SettingsWindow.h"
 #include "statusbar/StatusBarController.h"
 #include "statusbar/StatusMenu.h"
 #include "statusbar/StatusMenuItem.h"
-#include "timer/TicktackController.h"
 
 #include <QDir>
 #include <QFile>
@@ -155,7 +156,7 @@ private slots:
 
     void generalPaneShowsTheUpdateSwitchOnlyWithUpdateChecks()
     {
-        WindowController::showPrefView();
+        SettingsWindow::show();
         QQuickWindow* window = settingsWindow();
         QVERIFY(window);
         QVERIFY(QTest::qWaitForWindowExposed(window, 20000));

@@ -2,15 +2,15 @@
 #include "support/ManualTickSource.h"
 #include "support/TestMain.h"
 
-#include "app/AppState.h"
-#include "break/PrefStyleState.h"
+#include "cycle/AppState.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
 #include "preferences/LoginItem.h"
 #include "preferences/PrefState.h"
+#include "preferences/PrefStyleState.h"
 #include "preferences/SettingsStore.h"
 #include "statusbar/StatusBarController.h"
 #include "statusbar/StatusItem.h"
-#include "timer/TicktackController.h"
-#include "timer/TicktackState.h"
 
 #include <QDir>
 #include <QFile>

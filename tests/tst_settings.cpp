@@ -2,17 +2,18 @@
 #include "support/ManualTickSource.h"
 #include "support/TestMain.h"
 
-#include "app/AppState.h"
-#include "app/QmlEngine.h"
-#include "break/BreakStyle.h"
+#include "appinfo/AppInfo.h"
 #include "break/IconFont.h"
-#include "break/PrefStyleState.h"
+#include "break/QmlEngine.h"
 #include "break/WindowController.h"
+#include "cycle/AppState.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
 #include "history/HistoryStore.h"
+#include "preferences/BreakStyle.h"
 #include "preferences/PrefState.h"
-#include "statusbar/AppInfo.h"
-#include "timer/TicktackController.h"
-#include "timer/TicktackState.h"
+#include "preferences/PrefStyleState.h"
+#include "settings/SettingsWindow.h"
 
 #include <QDir>
 #include <QFile>
@@ -159,7 +160,7 @@ private slots:
         ticks = new ManualTickSource;
         TicktackController::setTickSource(std::unique_ptr<TickSource>(ticks));
         QCOMPARE(IconFont::registrations(), 0);
-        WindowController::showPrefView();
+        SettingsWindow::show();
         QVERIFY(window());
         QVERIFY(QTest::qWaitForWindowExposed(window()));
     }
@@ -192,10 +193,10 @@ private slots:
     {
         QQuickWindow* first = window();
         first->hide();
-        QVERIFY(WindowController::sendAction("showPreferencesWindow:"));
+        QVERIFY(SettingsWindow::sendAction("showPreferencesWindow:"));
         QTRY_VERIFY(first->isVisible());
-        QVERIFY(WindowController::sendAction("showSettingsWindow:"));
-        QVERIFY(!WindowController::sendAction("showSomethingElse:"));
+        QVERIFY(SettingsWindow::sendAction("showSettingsWindow:"));
+        QVERIFY(!SettingsWindow::sendAction("showSomethingElse:"));
         int windows = 0;
         for (QWindow* w : QGuiApplication::allWindows())
             windows += w->objectName() == "settingsWindow" ? 1 : 0;
@@ -661,7 +662,7 @@ private slots:
         QQuickWindow* first = window();
         first->close();
         QTRY_VERIFY(!first->isVisible());
-        WindowController::showPrefView();
+        SettingsWindow::show();
         QTRY_VERIFY(first->isVisible());
         QCOMPARE(window(), first);
     }

@@ -2,14 +2,14 @@
 #include "support/ManualTickSource.h"
 #include "support/TestMain.h"
 
-#include "app/AppControl.h"
 #include "app/AppDelegate.h"
-#include "app/AppState.h"
 #include "break/WindowController.h"
-#include "events/SystemEventActions.h"
+#include "cycle/AppState.h"
+#include "cycle/CycleControl.h"
+#include "cycle/SystemEventActions.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
 #include "preferences/PrefState.h"
-#include "timer/TicktackController.h"
-#include "timer/TicktackState.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -98,9 +98,9 @@ private slots:
                 SystemEventActions::didLockScreenDismiss();
             } else {
                 ++pauses;
-                AppControl::pause();
+                CycleControl::pause();
                 settle();
-                AppControl::resume();
+                CycleControl::resume();
             }
             settle();
             const bool nowInBreak = WindowController::isBreakShown();
@@ -113,7 +113,7 @@ private slots:
             inBreak = nowInBreak;
         }
         // End in a work period, with every fade done.
-        AppControl::pause();
+        CycleControl::pause();
         QTest::qWait(1200);
         const qint64 finalMemory = residentKiB();
         std::printf(

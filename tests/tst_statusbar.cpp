@@ -5,18 +5,20 @@
 #include "support/TestHoldSource.h"
 #include "support/TestMain.h"
 
-#include "app/AppControl.h"
 #include "app/AppDelegate.h"
-#include "app/AppState.h"
-#include "app/BreakGate.h"
-#include "break/PromptState.h"
+#include "appinfo/AppInfo.h"
 #include "break/WindowController.h"
-#include "events/SystemEventActions.h"
+#include "cycle/AppState.h"
+#include "cycle/BreakGate.h"
+#include "cycle/CycleControl.h"
+#include "cycle/PromptState.h"
+#include "cycle/SystemEventActions.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
 #include "logging/Logger.h"
 #include "preferences/PrefState.h"
 #include "preferences/SettingsStore.h"
-#include "statusbar/AboutDialog.h"
-#include "statusbar/AppInfo.h"
+#include "settings/AboutDialog.h"
 #include "statusbar/BadgeIcon.h"
 #include "statusbar/DBusMenu.h"
 #include "statusbar/DBusMenuTypes.h"
@@ -28,9 +30,7 @@
 #include "statusbar/StatusNotifierTypes.h"
 #include "statusbar/StatusPopupMenu.h"
 #include "statusbar/TrayIcon.h"
-#include "statusbar/UpdateDialog.h"
-#include "timer/TicktackController.h"
-#include "timer/TicktackState.h"
+#include "updates/UpdateDialog.h"
 
 #include <QCursor>
 #include <QDBusConnectionInterface>
@@ -442,7 +442,7 @@ private slots:
     {
         restartWork();
         const QByteArray counting = pixmaps().first().bytes;
-        AppControl::pause();
+        CycleControl::pause();
         QTRY_COMPARE(toolTipOverTheBus().text, "Paused");
         QCOMPARE(property("IconName").toString(), QString()); // the faded pixmaps, not the themed icon
         // The frozen countdown stays as the badge (the label of panels that draw one stays too).
@@ -464,7 +464,10 @@ private slots:
         while (!AppState::workState().timesUp())
             ticks->tick();
         ticks->tick(3);
-        QTRY_COMPARE(toolTipOverTheBus().text, "Break waiting +00:03: A video call is on");
+        QTRY_COMPARE(toolTipOverTheBus().text,
+                     "Break waiting +00:03: A video call is on\nIt comes at " +
+                         TicktackController::clockTimeIn(AppState::breakGate().holdSecondsLeft()) +
+                         " at the latest.");
         QTRY_COMPARE(label(), "+00:03");
         // A panel without labels gets the wait as a badge.
         const QImage badged = BadgeIcon::draw(item().imagePath(), 16, "+0");

@@ -2,11 +2,11 @@
 #include "support/ManualTickSource.h"
 #include "support/TestMain.h"
 
-#include "app/AppState.h"
+#include "cycle/AppState.h"
+#include "cycle/QtTickSource.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
 #include "logging/NumberText.h"
-#include "timer/QtTickSource.h"
-#include "timer/TicktackController.h"
-#include "timer/TicktackState.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TestMain.h"
 
-#include "app/AppState.h"
 #include "app/Translations.h"
-#include "break/BreakStyle.h"
 #include "break/WindowController.h"
+#include "cycle/AppState.h"
+#include "preferences/BreakStyle.h"
+#include "settings/SettingsWindow.h"
 #include "statusbar/StatusBarController.h"
 #include "statusbar/StatusMenu.h"
 #include "statusbar/StatusMenuItem.h"
@@ -67,7 +68,7 @@ private slots:
 
     void settingsWindowTabsAndLabelsAreChinese()
     {
-        WindowController::showPrefView();
+        SettingsWindow::show();
         QQuickWindow* window = windowNamed("settingsWindow");
         QVERIFY(window);
         QCOMPARE(window->title(), "设置");

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TestMain.h"
 
-#include "app/AppState.h"
+#include "appinfo/AppInfo.h"
 #include "break/WindowController.h"
+#include "cycle/AppState.h"
 #include "preferences/PrefState.h"
-#include "statusbar/AppInfo.h"
-#include "statusbar/Appcast.h"
-#include "statusbar/UpdateDialog.h"
-#include "statusbar/Updater.h"
+#include "settings/SettingsWindow.h"
+#include "updates/Appcast.h"
+#include "updates/UpdateDialog.h"
+#include "updates/Updater.h"
 
 #include <QAccessible>
 #include <QElapsedTimer>
@@ -285,8 +286,8 @@ private slots:
     {
         Updater::setFirstCheckDelay(50ms);
         AppState::prefState().setAutoCheckUpdate(false);
-        WindowController::setup(); // the launch reads the setting here
-        QVERIFY(!WindowController::updater().automaticallyChecks());
+        SettingsWindow::setup(); // the launch reads the setting here
+        QVERIFY(!SettingsWindow::updater().automaticallyChecks());
         AppState::prefState().setAutoCheckUpdate(true);
         QTest::qWait(600);
         QVERIFY(feed->requests.isEmpty());

@@ -3,8 +3,8 @@
 #include "support/TestMain.h"
 
 #include "app/AppDelegate.h"
-#include "app/AppState.h"
-#include "events/SystemEventController.h"
+#include "cycle/AppState.h"
+#include "cycle/SystemEventController.h"
 #include "events/WaylandIdleMonitor.h"
 
 #include <QDir>

@@ -88,6 +88,22 @@
         <source>No break is coming: the countdown is paused or stopped.</source>
         <translation>没有即将到来的休息：倒计时已暂停或停止。</translation>
     </message>
+    <message>
+        <source>1 minute</source>
+        <translation>1 分钟</translation>
+    </message>
+    <message>
+        <source>%1 minutes</source>
+        <translation>%1 分钟</translation>
+    </message>
+    <message>
+        <source>%1 seconds</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
+        <source>The break is already more than %1 away.</source>
+        <translation>离休息本来就还有 %1 以上。</translation>
+    </message>
 </context>
 <context>
     <name>BreakStyle</name>
@@ -357,6 +373,21 @@
     <message>
         <source>Today</source>
         <translation>今天</translation>
+    </message>
+</context>
+<context>
+    <name>HoldNotice</name>
+    <message>
+        <source>The break waits while %1.</source>
+        <translation>休息在等待：%1。</translation>
+    </message>
+    <message>
+        <source>It comes at %1 at the latest.</source>
+        <translation>最晚 %1 开始。</translation>
+    </message>
+    <message>
+        <source>Break held</source>
+        <translation>休息暂缓</translation>
     </message>
 </context>
 <context>
@@ -679,6 +710,13 @@
     </message>
 </context>
 <context>
+    <name>SettingsWindow</name>
+    <message>
+        <source>Settings</source>
+        <translation>设置</translation>
+    </message>
+</context>
+<context>
     <name>StatusBarController</name>
     <message>
         <source>Settings...</source>
@@ -723,6 +761,10 @@
     <message>
         <source>Break waiting %1</source>
         <translation>休息已等待 %1</translation>
+    </message>
+    <message>
+        <source>It comes at %1 at the latest.</source>
+        <translation>最晚 %1 开始。</translation>
     </message>
 </context>
 <context>
@@ -833,13 +875,6 @@
     <message>
         <source>the check was cancelled</source>
         <translation>检查已取消</translation>
-    </message>
-</context>
-<context>
-    <name>WindowController</name>
-    <message>
-        <source>Settings</source>
-        <translation>设置</translation>
     </message>
 </context>
 </TS>

@@ -1,24 +1,63 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppDelegate.h"
 
-#include "AppState.h"
 #include "break/WindowController.h"
-#include "events/SystemEventController.h"
+#include "cycle/AppState.h"
+#include "cycle/BreakGate.h"
+#include "cycle/CycleControl.h"
+#include "cycle/SystemEventController.h"
 #include "history/HistoryRecorder.h"
+#include "history/HistoryStore.h"
 #include "logging/Logger.h"
+#include "notifications/HeadsUpNotice.h"
+#include "notifications/HoldNotice.h"
+#include "settings/SettingsWindow.h"
 #include "statusbar/StatusBarController.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <utility>
+
+namespace {
+
+// The parts that observe the cycle live as long as the run, whichever delegate made them; the
+// history file is closed by the quit path, never by a destructor after main() (the database
+// driver is gone by then).
+struct Observers {
+    HistoryStore* history = nullptr;
+    HistoryRecorder* recorder = nullptr;
+};
+
+Observers& observers()
+{
+    static Observers parts;
+    return parts;
+}
+
+} // namespace
 
 AppDelegate::AppDelegate(QObject* parent) : QObject(parent) {}
 
+AppDelegate::~AppDelegate() = default;
+
 void AppDelegate::applicationDidFinishLaunching()
 {
-    // Follows the cycle from its first work period on.
-    HistoryRecorder::instance().start();
+    QObject* owner = QCoreApplication::instance();
+    WindowController::install();
+    Observers& parts = observers();
+    if (!parts.history) {
+        parts.history = new HistoryStore;
+        SettingsWindow::setHistoryStore(parts.history);
+        // Follows the cycle from its first work period on.
+        parts.recorder = new HistoryRecorder(*parts.history, AppState::events(), owner);
+        new HeadsUpNotice(AppState::events(), owner);
+        new HoldNotice(AppState::events(), owner);
+    }
+    // The gate lets each due break start, from the first period on.
+    AppState::breakGate();
     // Starts the first work period and labels the pause entry.
     AppState::setWorking(true);
-    WindowController::setup();
+    SettingsWindow::setup();
     StatusBarController::item();
     SystemEventController::setup();
     logger().info(QStringLiteral("sandbox home path: ") + QDir::homePath());
@@ -26,5 +65,9 @@ void AppDelegate::applicationDidFinishLaunching()
 
 void AppDelegate::applicationWillTerminate()
 {
-    HistoryRecorder::instance().stopped();
+    CycleControl::stop();
+    Observers& parts = observers();
+    delete std::exchange(parts.recorder, nullptr);
+    SettingsWindow::setHistoryStore(nullptr);
+    delete std::exchange(parts.history, nullptr);
 }

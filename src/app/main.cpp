@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "AppControl.h"
 #include "AppDelegate.h"
-#include "CommandLine.h"
 #include "Config.h"
-#include "ControlService.h"
 #include "Translations.h"
+#include "appinfo/AppInfo.h"
+#include "control/CommandLine.h"
+#include "control/ControlService.h"
 #include "logging/Logger.h"
-#include "statusbar/AppInfo.h"
+#include "settings/SettingsWindow.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -66,7 +66,7 @@ int main(int argc, char* argv[])
     QTimer::singleShot(0, &delegate, [&delegate, showSettings = outcome.showSettings] {
         delegate.applicationDidFinishLaunching();
         if (showSettings)
-            AppControl::showSettings();
+            SettingsWindow::show();
     });
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &delegate, &AppDelegate::applicationWillTerminate);
     return app.exec();

@@ -2,19 +2,15 @@
 #include "WindowController.h"
 
 #include "IconFont.h"
-#include "PromptState.h"
+#include "QmlEngine.h"
 #include "X11WindowHints.h"
-#include "app/AppState.h"
-#include "app/QmlEngine.h"
-#include "app/StateChanges.h"
+#include "appinfo/AppInfo.h"
+#include "cycle/AppState.h"
+#include "cycle/BreakScreen.h"
+#include "cycle/PromptState.h"
+#include "cycle/TicktackState.h"
 #include "logging/Logger.h"
 #include "preferences/PrefState.h"
-#include "statusbar/AboutDialog.h"
-#include "statusbar/AppInfo.h"
-#if LULLTIDE_UPDATE_CHECKS
-#include "statusbar/Updater.h"
-#endif
-#include "timer/TicktackState.h"
 
 #include <QGuiApplication>
 #include <QPropertyAnimation>
@@ -215,116 +211,6 @@ void release(QQuickWindow* window)
 
 } // namespace
 
-#if LULLTIDE_UPDATE_CHECKS
-namespace {
-
-Updater& updaterController()
-{
-    // Whether to check by itself is read here, once: a later change counts from the next launch.
-    static Updater* updater = new Updater(AppState::prefState().autoCheckUpdate());
-    return *updater;
-}
-
-} // namespace
-
-void setup()
-{
-    updaterController();
-}
-
-Updater& updater()
-{
-    return updaterController();
-}
-#else
-void setup() {}
-#endif
-
-namespace {
-
-const char settingsWindowName[] = "settingsWindow";
-
-QQuickWindow* settingsWindow()
-{
-    for (QWindow* window : QGuiApplication::allWindows()) {
-        if (window->objectName() == QLatin1String(settingsWindowName))
-            return qobject_cast<QQuickWindow*>(window);
-    }
-    return nullptr;
-}
-
-QQuickWindow* makeSettingsWindow()
-{
-    const QVariantMap appInfo{
-        {QStringLiteral("name"), AppInfo::name()},
-        {QStringLiteral("versionLine"), QStringLiteral("v%1(%2)").arg(AppInfo::version(), AppInfo::build())},
-        {QStringLiteral("releaseNotesLink"), AppInfo::releaseNotesLink()},
-        {QStringLiteral("copyright"), AppInfo::copyright()},
-        {QStringLiteral("iconFontFamily"), IconFont::name()},
-        {QStringLiteral("glyph"), IconFont(IconFont::muyu).rawValue()},
-    };
-    QObject* view =
-        QmlEngine::create(QStringLiteral("PreferencesView"),
-                          {
-                              {QStringLiteral("prefState"), QVariant::fromValue(&AppState::prefState())},
-                              {QStringLiteral("appInfo"), appInfo},
-                          });
-    auto* item = qobject_cast<QQuickItem*>(view);
-    if (!item) {
-        delete view;
-        return nullptr;
-    }
-    auto* window = new QQuickWindow;
-    window->setObjectName(QLatin1String(settingsWindowName));
-    window->setTitle(QCoreApplication::translate("WindowController", "Settings"));
-    window->setMinimumSize(QSize(480, 400));
-    window->resize(560, 600);
-    item->setParent(window);
-    item->setParentItem(window->contentItem());
-    // Closed, the window keeps its object for the next time but lets its scene go.
-    QObject::connect(window, &QWindow::visibleChanged, window, [window](bool visible) {
-        if (!visible)
-            window->releaseResources();
-    });
-    return window;
-}
-
-} // namespace
-
-bool sendAction(const QString& action)
-{
-    // The settings window answers to both names it has had.
-    if (action != QLatin1String("showSettingsWindow:") && action != QLatin1String("showPreferencesWindow:"))
-        return false;
-    QQuickWindow* window = settingsWindow();
-    if (!window)
-        window = makeSettingsWindow();
-    if (!window)
-        return true; // the view's errors are in the log; there is nothing to show
-    window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
-    window->show();
-    window->raise();
-    window->requestActivate();
-    return true;
-}
-
-void showPrefView()
-{
-    sendAction(QStringLiteral("showSettingsWindow:"));
-}
-
-#if LULLTIDE_UPDATE_CHECKS
-void showUpdater()
-{
-    updaterController().checkForUpdates();
-}
-#endif
-
-void showAbout()
-{
-    AboutDialog::showShared();
-}
-
 QString displayIdentifier(const QScreen* screen)
 {
     const QString name = screen ? screen->name() : QString();
@@ -360,7 +246,6 @@ bool showBreak()
         primary->raise();
         primary->requestActivate();
     }
-    emit AppState::changes().changed();
     return true;
 }
 
@@ -388,7 +273,25 @@ void closeBreak()
     }
     // The script heap's garbage of the break goes too, once the views have seen the end.
     QTimer::singleShot(0, [] { QmlEngine::releaseMemory(); });
-    emit AppState::changes().changed();
+}
+
+namespace {
+
+class BreakWindows final : public BreakScreen {
+public:
+    bool isShown() const override { return isBreakShown(); }
+
+protected:
+    bool showWindows() override { return showBreak(); }
+    void closeWindows() override { closeBreak(); }
+};
+
+} // namespace
+
+void install()
+{
+    static BreakWindows windows;
+    AppState::setBreakScreen(&windows);
 }
 
 } // namespace WindowController

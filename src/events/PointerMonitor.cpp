@@ -2,14 +2,13 @@
 #include "PointerMonitor.h"
 
 #include "MutterIdleMonitor.h"
-#include "SystemEventController.h"
 #include "WaylandIdleMonitor.h"
 #include "X11PointerMonitor.h"
 #include "logging/Logger.h"
 
 #include <QGuiApplication>
 
-PointerMonitor* PointerMonitor::create(QObject* parent)
+PointerMonitor* PointerMonitor::create(std::chrono::milliseconds idleTimeout, QObject* parent)
 {
     if (QGuiApplication::platformName() == QLatin1String("xcb")) {
         auto* monitor = new X11PointerMonitor(parent);
@@ -20,13 +19,13 @@ PointerMonitor* PointerMonitor::create(QObject* parent)
         // Without X11 nobody sees the pointer outside their own windows: the compositor tells
         // of idleness instead, through the Wayland protocol or, on GNOME, over D-Bus.
         auto* wayland = new WaylandIdleMonitor(parent);
-        if (wayland->start(SystemEventController::idleTimeout())) {
+        if (wayland->start(idleTimeout)) {
             logger().info(QStringLiteral("pointer idleness from the compositor's idle notifications"));
             return wayland;
         }
         delete wayland;
         auto* monitor = new MutterIdleMonitor(parent);
-        if (monitor->start(SystemEventController::idleTimeout()))
+        if (monitor->start(idleTimeout))
             return monitor;
         delete monitor;
     }

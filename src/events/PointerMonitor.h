@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QObject>
+#include <chrono>
 
 // Tells of pointer activity anywhere on the desktop: moves, drags, button presses and releases,
 // and modifier keys (ordinary key presses do not count).
@@ -13,7 +14,7 @@ public:
 
     // The monitor that suits the display server, started; null (and said once in the log) when
     // the desktop offers no way to see pointer activity.
-    static PointerMonitor* create(QObject* parent);
+    static PointerMonitor* create(std::chrono::milliseconds idleTimeout, QObject* parent);
 
     // Whether the monitor tells of idleness itself (a compositor's idle monitor, which reports
     // no activity while the user is active) rather than of every event.

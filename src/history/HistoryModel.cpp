@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "HistoryModel.h"
 
-#include "HistoryRecorder.h"
 #include "HistoryStore.h"
 #include "HistorySummary.h"
 
@@ -19,13 +18,12 @@ QString shortPath(const QString& path)
 
 } // namespace
 
-HistoryModel::HistoryModel(QObject* parent) : QObject(parent) {}
+HistoryModel::HistoryModel(HistoryStore& store, QObject* parent) : QObject(parent), m_store(store) {}
 
 QVariantMap HistoryModel::load(int days) const
 {
     QString error;
-    const QList<HistorySummary::Day> summary =
-        HistorySummary::lastDays(HistoryRecorder::instance().store(), days, &error);
+    const QList<HistorySummary::Day> summary = HistorySummary::lastDays(m_store, days, &error);
 
     QVariantList labels, dates, taken, skipped, postponed, empty, screen, stretch;
     int maximum = 0;
@@ -55,10 +53,10 @@ QVariantMap HistoryModel::load(int days) const
             {QStringLiteral("maximum"), maximum},
             {QStringLiteral("sentence"), error.isEmpty() ? HistorySummary::sentence(summary)
                                                          : tr("The history cannot be read: %1.").arg(error)},
-            {QStringLiteral("path"), shortPath(HistoryRecorder::instance().store().path())}};
+            {QStringLiteral("path"), shortPath(m_store.path())}};
 }
 
 bool HistoryModel::forget() const
 {
-    return HistoryRecorder::instance().forget();
+    return m_store.forget();
 }

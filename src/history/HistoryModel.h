@@ -5,14 +5,17 @@
 #include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
 
+class HistoryStore;
+
 // The History tab's data: the last days as the chart draws them, read from the history file
 // when the tab asks, never before.
 class HistoryModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
+    QML_UNCREATABLE("The History tab is handed the program's history file")
 
 public:
-    explicit HistoryModel(QObject* parent = nullptr);
+    explicit HistoryModel(HistoryStore& store, QObject* parent = nullptr);
 
     // For the last `days` days, oldest first: "labels" (weekday and date), "dates" (written out),
     // "taken", "skipped",
@@ -23,4 +26,7 @@ public:
 
     // Deletes the history file, after the person confirmed it.
     Q_INVOKABLE bool forget() const;
+
+private:
+    HistoryStore& m_store;
 };

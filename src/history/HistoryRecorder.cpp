@@ -3,11 +3,10 @@
 
 #include "HistoryStore.h"
 #include "LibraryPages.h"
-#include "app/AppState.h"
-#include "app/BreakGate.h"
-#include "break/PromptState.h"
+#include "cycle/AppState.h"
+#include "cycle/BreakGate.h"
+#include "cycle/CycleEvents.h"
 #include "preferences/PrefState.h"
-#include "timer/TicktackState.h"
 
 #include <QDateTime>
 #include <utility>
@@ -27,46 +26,64 @@ QString breakKindName(PromptState::Kind kind)
     return QStringLiteral("short");
 }
 
-bool freshPeriod(const TicktackState& state)
+double secondsOf(const QElapsedTimer& clock)
 {
-    return state.secondsLeft() == state.length();
+    return double(clock.elapsed()) / 1000.0;
+}
+
+// How long the held break has waited, as the cycle counts it: the events that end a hold are
+// told before the cycle forgets it.
+double waitedSoFar()
+{
+    return AppState::breakGate().heldSeconds();
 }
 
 } // namespace
 
-HistoryRecorder& HistoryRecorder::instance()
+HistoryRecorder::HistoryRecorder(HistoryStore& store, CycleEvents& events, QObject* parent)
+    : QObject(parent), m_store(store)
 {
-    static HistoryRecorder* recorder = new HistoryRecorder;
-    return *recorder;
+    connect(&events, &CycleEvents::workStarted, this, &HistoryRecorder::workStarted);
+    connect(&events, &CycleEvents::breakStarted, this,
+            [this](PromptState::Kind kind, double seconds) { breakStarted(breakKindName(kind), seconds); });
+    connect(&events, &CycleEvents::breakEnded, this, &HistoryRecorder::breakEnded);
+    connect(&events, &CycleEvents::paused, this, [this](CycleEvents::Origin origin) {
+        closeOpenBreak(QStringLiteral("pause"));
+        closeOpenHold(QStringLiteral("pause"), waitedSoFar());
+        record(QStringLiteral("paused"), 0, CycleEvents::originName(origin));
+    });
+    connect(&events, &CycleEvents::resumed, this, [this](CycleEvents::Origin origin) {
+        closeOpenBreak(QStringLiteral("resume"));
+        record(QStringLiteral("resumed"), 0, CycleEvents::originName(origin));
+    });
+    connect(&events, &CycleEvents::postponed, this, [this](double seconds) {
+        closeOpenBreak(QStringLiteral("postponed"));
+        closeOpenHold(QStringLiteral("postponed"), waitedSoFar());
+        record(QStringLiteral("postponed"), seconds);
+    });
+    connect(&events, &CycleEvents::held, this, &HistoryRecorder::held);
+    connect(&events, &CycleEvents::holdReleased, this, &HistoryRecorder::closeOpenHold);
+    connect(&events, &CycleEvents::locked, this, &HistoryRecorder::locked);
+    connect(&events, &CycleEvents::unlocked, this, [this] { record(QStringLiteral("unlocked")); });
+    connect(&events, &CycleEvents::idleStopped, this, [this] {
+        closeOpenBreak(QStringLiteral("idle"));
+        closeOpenHold(QStringLiteral("idle"), waitedSoFar());
+        record(QStringLiteral("idle_stopped"));
+    });
+    connect(&events, &CycleEvents::idleRestarted, this, [this] { record(QStringLiteral("idle_restarted")); });
+    connect(&events, &CycleEvents::stopped, this, [this] {
+        closeOpenBreak(QStringLiteral("quit"));
+        closeOpenHold(QStringLiteral("quit"), waitedSoFar());
+        record(QStringLiteral("stopped"));
+    });
 }
 
-HistoryRecorder::HistoryRecorder() = default;
 HistoryRecorder::~HistoryRecorder() = default;
-
-void HistoryRecorder::start()
-{
-    if (std::exchange(m_started, true))
-        return;
-    connect(&AppState::workState(), &TicktackState::timeStringChanged, this, &HistoryRecorder::workTicked);
-    connect(&AppState::breakState(), &TicktackState::timeStringChanged, this, &HistoryRecorder::breakTicked);
-}
-
-HistoryStore& HistoryRecorder::store()
-{
-    if (!m_store)
-        m_store = std::make_unique<HistoryStore>();
-    return *m_store;
-}
-
-void HistoryRecorder::setStore(std::unique_ptr<HistoryStore> store)
-{
-    m_store = std::move(store);
-}
 
 void HistoryRecorder::record(const QString& kind, double seconds, const QString& detail,
                              const QString& breakKind)
 {
-    if (!m_started || !AppState::prefState().keepHistory())
+    if (!AppState::prefState().keepHistory())
         return;
     HistoryStore::Event event;
     const QDateTime now = QDateTime::currentDateTime();
@@ -76,50 +93,44 @@ void HistoryRecorder::record(const QString& kind, double seconds, const QString&
     event.seconds = seconds;
     event.detail = detail;
     event.breakKind = breakKind;
-    store().record(event);
+    m_store.record(event);
     // SQLite and its Qt driver wait for the next event, minutes away: their code need not stay
     // mapped meanwhile.
     LibraryPages::release({QByteArrayLiteral("libsqlite3.so"), QByteArrayLiteral("libQt6Sql.so"),
                            QByteArrayLiteral("libqsqlite.so")});
 }
 
-void HistoryRecorder::workTicked()
+void HistoryRecorder::workStarted(double seconds)
 {
-    const TicktackState& work = AppState::workState();
-    if (!freshPeriod(work))
-        return;
     // Each screen's break view ends the break and starts the next period: the second start is
     // the same period.
     if (std::exchange(m_sameBreakEndedAgain, false))
         return;
-    record(QStringLiteral("work_started"), work.length());
+    record(QStringLiteral("work_started"), seconds);
 }
 
-void HistoryRecorder::breakTicked()
+void HistoryRecorder::breakStarted(const QString& kind, double seconds)
 {
-    const TicktackState& breakState = AppState::breakState();
-    if (!freshPeriod(breakState))
-        return;
     closeOpenBreak(QStringLiteral("replaced"));
-    closeOpenHold(QStringLiteral("break"));
+    closeOpenHold(QStringLiteral("break"), waitedSoFar());
     m_breakOpen = true;
-    m_breakKind = breakKindName(AppState::promptState().kind());
+    m_breakKind = kind;
     m_breakClock.start();
-    record(QStringLiteral("break_started"), breakState.length(), {}, m_breakKind);
+    record(QStringLiteral("break_started"), seconds, {}, m_breakKind);
 }
 
 void HistoryRecorder::closeOpenBreak(const QString& how)
 {
     if (!std::exchange(m_breakOpen, false))
         return;
-    record(QStringLiteral("break_ended"), double(m_breakClock.elapsed()) / 1000.0, how, m_breakKind);
+    record(QStringLiteral("break_ended"), secondsOf(m_breakClock), how, m_breakKind);
 }
 
-void HistoryRecorder::closeOpenHold(const QString& why)
+void HistoryRecorder::closeOpenHold(const QString& why, double heldSeconds)
 {
     if (!std::exchange(m_holdOpen, false))
         return;
-    record(QStringLiteral("hold_released"), AppState::breakGate().heldSeconds(), why);
+    record(QStringLiteral("hold_released"), heldSeconds, why);
 }
 
 void HistoryRecorder::breakEnded(bool inFull)
@@ -128,36 +139,11 @@ void HistoryRecorder::breakEnded(bool inFull)
     closeOpenBreak(inFull ? QStringLiteral("full") : QStringLiteral("skipped"));
 }
 
-void HistoryRecorder::paused(const QString& origin)
-{
-    closeOpenBreak(QStringLiteral("pause"));
-    closeOpenHold(QStringLiteral("pause"));
-    record(QStringLiteral("paused"), 0, origin);
-}
-
-void HistoryRecorder::resumed(const QString& origin)
-{
-    closeOpenBreak(QStringLiteral("resume"));
-    record(QStringLiteral("resumed"), 0, origin);
-}
-
-void HistoryRecorder::postponed(double seconds)
-{
-    closeOpenBreak(QStringLiteral("postponed"));
-    closeOpenHold(QStringLiteral("postponed"));
-    record(QStringLiteral("postponed"), seconds);
-}
-
 void HistoryRecorder::held()
 {
-    closeOpenHold(QStringLiteral("held_again"));
+    closeOpenHold(QStringLiteral("held_again"), waitedSoFar());
     m_holdOpen = true;
     record(QStringLiteral("held"));
-}
-
-void HistoryRecorder::holdReleased(const QString& why)
-{
-    closeOpenHold(why);
 }
 
 void HistoryRecorder::locked(bool cycleStops)
@@ -168,35 +154,6 @@ void HistoryRecorder::locked(bool cycleStops)
         return;
     }
     closeOpenBreak(QStringLiteral("lock"));
-    closeOpenHold(QStringLiteral("lock"));
+    closeOpenHold(QStringLiteral("lock"), waitedSoFar());
     record(QStringLiteral("locked"));
-}
-
-void HistoryRecorder::unlocked()
-{
-    record(QStringLiteral("unlocked"));
-}
-
-void HistoryRecorder::idleStopped()
-{
-    closeOpenBreak(QStringLiteral("idle"));
-    closeOpenHold(QStringLiteral("idle"));
-    record(QStringLiteral("idle_stopped"));
-}
-
-void HistoryRecorder::idleRestarted()
-{
-    record(QStringLiteral("idle_restarted"));
-}
-
-void HistoryRecorder::stopped()
-{
-    closeOpenBreak(QStringLiteral("quit"));
-    closeOpenHold(QStringLiteral("quit"));
-    record(QStringLiteral("stopped"));
-}
-
-bool HistoryRecorder::forget()
-{
-    return store().forget();
 }

@@ -7,7 +7,7 @@
 #include "LoggingSystem.h"
 #include "MultiplexLogHandler.h"
 #include "StreamLogHandler.h"
-#include "statusbar/AppInfo.h"
+#include "appinfo/AppInfo.h"
 
 #include <QFileInfo>
 #include <cstdio>

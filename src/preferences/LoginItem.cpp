@@ -2,8 +2,8 @@
 #include "LoginItem.h"
 
 #include "Config.h"
+#include "appinfo/AppInfo.h"
 #include "logging/Logger.h"
-#include "statusbar/AppInfo.h"
 
 #include <QCoreApplication>
 #include <QFile>

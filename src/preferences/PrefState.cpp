@@ -4,9 +4,8 @@
 #include "Config.h"
 #include "LoginItem.h"
 #include "NumberParsing.h"
+#include "PrefStyleState.h"
 #include "SettingsStore.h"
-#include "break/PrefStyleState.h"
-#include "statusbar/StatusBarController.h"
 
 #include <QSettings>
 #include <QStringList>
@@ -78,7 +77,6 @@ void PrefState::setShowTime(bool value)
 {
     write(showTimeKey, value);
     emit showTimeChanged();
-    StatusBarController::showTime(value);
 }
 
 bool PrefState::autoCheckUpdate() const
@@ -319,6 +317,17 @@ void PrefState::setHoldBreaks(bool value)
     emit holdBreaksChanged();
 }
 
+QString PrefState::holdLimitMinutesString() const
+{
+    return readText(holdLimitMinutesStringKey, QStringLiteral("60"));
+}
+
+void PrefState::setHoldLimitMinutesString(const QString& value)
+{
+    write(holdLimitMinutesStringKey, value);
+    emit holdLimitMinutesStringChanged();
+}
+
 bool PrefState::keepHistory() const
 {
     return readBool(keepHistoryKey, true);
@@ -359,17 +368,23 @@ qint64 PrefState::shortBreakTimes() const
 double PrefState::headsUpSeconds() const
 {
     const double seconds = NumberParsing::parseDouble(headsUpSecondsString()).value_or(60.0);
-    return std::clamp(seconds, 10.0, 600.0);
+    return std::clamp(seconds, headsUpSecondsMin, headsUpSecondsMax);
 }
 
 double PrefState::postponeTime() const
 {
     const double minutes = NumberParsing::parseDouble(postponeMinutesString()).value_or(5.0);
-    return (minutes > 0 ? minutes : 5.0) * 60.0;
+    return std::clamp(minutes, postponeMinutesMin, postponeMinutesMax) * 60.0;
 }
 
 qint64 PrefState::postponeLimit() const
 {
     const qint64 limit = NumberParsing::parseInteger(postponeLimitString()).value_or(2);
-    return std::clamp<qint64>(limit, 1, 5);
+    return std::clamp<qint64>(limit, postponeLimitMin, postponeLimitMax);
+}
+
+double PrefState::holdLimit() const
+{
+    const double minutes = NumberParsing::parseDouble(holdLimitMinutesString()).value_or(60.0);
+    return std::clamp(minutes, 0.0, holdLimitMinutesMax) * 60.0;
 }

@@ -6,6 +6,7 @@
 #include <QtQml/qqmlregistration.h>
 
 class PrefStyleState;
+Q_MOC_INCLUDE("PrefStyleState.h")
 
 // The user's settings. Every property reads and writes one key of the settings file at once,
 // so a change survives a restart. Numbers are kept as the text the user typed and parsed on
@@ -53,6 +54,8 @@ class PrefState : public QObject {
     Q_PROPERTY(QString postponeLimitString READ postponeLimitString WRITE setPostponeLimitString NOTIFY
                    postponeLimitStringChanged)
     Q_PROPERTY(bool holdBreaks READ holdBreaks WRITE setHoldBreaks NOTIFY holdBreaksChanged)
+    Q_PROPERTY(QString holdLimitMinutesString READ holdLimitMinutesString WRITE setHoldLimitMinutesString
+                   NOTIFY holdLimitMinutesStringChanged)
     Q_PROPERTY(bool keepHistory READ keepHistory WRITE setKeepHistory NOTIFY keepHistoryChanged)
     Q_PROPERTY(bool toldNoPanel READ toldNoPanel WRITE setToldNoPanel NOTIFY toldNoPanelChanged)
     Q_PROPERTY(PrefStyleState* styleState READ styleState WRITE setStyleState NOTIFY styleStateChanged)
@@ -86,6 +89,7 @@ public:
     static constexpr const char postponeMinutesStringKey[] = "postpone_minutes";
     static constexpr const char postponeLimitStringKey[] = "postpone_limit";
     static constexpr const char holdBreaksKey[] = "hold_breaks";
+    static constexpr const char holdLimitMinutesStringKey[] = "hold_limit_minutes";
     static constexpr const char keepHistoryKey[] = "keep_history";
 
     // Reads nothing and writes nothing: values are read when they are asked for.
@@ -163,6 +167,9 @@ public:
     // desktop's Do Not Disturb is on.
     bool holdBreaks() const;
     void setHoldBreaks(bool value);
+    // How long a break waits at most, in minutes; 0 for as long as something holds it.
+    QString holdLimitMinutesString() const;
+    void setHoldLimitMinutesString(const QString& value);
 
     // Every event of the cycle written to a local database, for the History tab.
     bool keepHistory() const;
@@ -181,10 +188,20 @@ public:
     qint64 shortBreakTimes() const;
     // The heads-up's lead in seconds: heads_up_seconds within 10-600, 60 when not a number.
     double headsUpSeconds() const;
-    // Postpone length in seconds: postpone_minutes × 60, 5 minutes when not a positive number.
+    // Postpone length in seconds: postpone_minutes within 1-1440, × 60; 5 minutes when not a
+    // number.
     double postponeTime() const;
     // Postpones allowed in a row: postpone_limit within 1-5, 2 when not a whole number.
     qint64 postponeLimit() const;
+    // The longest wait of a held break in seconds: hold_limit_minutes within 0-1440, × 60; an hour
+    // when not a number; 0 means no limit.
+    double holdLimit() const;
+
+    // The ranges the settings window enforces and the reads clamp to.
+    static constexpr double headsUpSecondsMin = 10, headsUpSecondsMax = 600;
+    static constexpr double postponeMinutesMin = 1, postponeMinutesMax = 1440;
+    static constexpr qint64 postponeLimitMin = 1, postponeLimitMax = 5;
+    static constexpr double holdLimitMinutesMax = 1440;
 
 signals:
     void launchAtLoginChanged();
@@ -210,6 +227,7 @@ signals:
     void postponeMinutesStringChanged();
     void postponeLimitStringChanged();
     void holdBreaksChanged();
+    void holdLimitMinutesStringChanged();
     void keepHistoryChanged();
     void styleStateChanged();
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Feedback.h"
 
-#include "AppInfo.h"
+#include "appinfo/AppInfo.h"
 #include "logging/Logger.h"
 
 #include <QCoreApplication>

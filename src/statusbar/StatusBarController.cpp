@@ -1,22 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "StatusBarController.h"
 
-#include "AppInfo.h"
 #include "Config.h"
 #include "Feedback.h"
-#include "HeadsUpNotice.h"
 #include "StatusItem.h"
 #include "StatusItemExporter.h"
 #include "StatusMenu.h"
 #include "StatusMenuItem.h"
-#include "app/AppControl.h"
-#include "app/AppState.h"
-#include "app/BreakGate.h"
-#include "app/StateChanges.h"
-#include "break/PromptState.h"
-#include "break/WindowController.h"
+#include "appinfo/AppInfo.h"
+#include "cycle/AppState.h"
+#include "cycle/BreakGate.h"
+#include "cycle/CycleControl.h"
+#include "cycle/CycleEvents.h"
+#include "cycle/TicktackController.h"
+#include "cycle/TicktackState.h"
 #include "preferences/PrefState.h"
-#include "timer/TicktackState.h"
+#include "settings/SettingsWindow.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -38,6 +37,22 @@ StatusMenuItem* entry(const QString& title, const QString& image, const QString&
     return item;
 }
 
+// The pause entry says what it does next: "- Stop -" while working, "- Wrok -" when stopped.
+void updatePauseEntry(StatusMenu& statusMenu)
+{
+    StatusMenuItem* item = statusMenu.itemWithTag(AppState::pauseItemTag);
+    if (!item)
+        return;
+    if (AppState::working()) {
+        item->setImage(QStringLiteral("stop.circle"));
+        item->setTitle(QCoreApplication::translate("AppState", "- Stop -"));
+    } else {
+        item->setImage(QStringLiteral("play.circle"));
+        // Spelled so on purpose: users know the entry by this text.
+        item->setTitle(QCoreApplication::translate("AppState", "- Wrok -"));
+    }
+}
+
 StatusMenu* buildMenu()
 {
     auto* menu = new StatusMenu;
@@ -47,22 +62,23 @@ StatusMenu* buildMenu()
     // The middle click and the tray menu's shortcut come here too; the one toggle they share
     // also takes down a break screen, whose countdown a pause stops.
     auto* pause =
-        entry({}, {}, QStringLiteral("p"), [] { AppControl::togglePause(AppControl::Origin::Menu); });
+        entry({}, {}, QStringLiteral("p"), [] { CycleControl::togglePause(CycleControl::Origin::Menu); });
     pause->setTag(AppState::pauseItemTag);
     menu->addItem(pause);
+    updatePauseEntry(*menu);
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Settings..."),
                         QStringLiteral("gearshape.circle"), QStringLiteral(","),
-                        [] { WindowController::showPrefView(); }));
+                        [] { SettingsWindow::show(); }));
     menu->addItem(StatusMenuItem::separator());
 #if LULLTIDE_UPDATE_CHECKS
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Check for Updates..."),
                         QStringLiteral("arrow.counterclockwise.icloud"), {},
-                        [] { WindowController::showUpdater(); }));
+                        [] { SettingsWindow::showUpdater(); }));
 #endif
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Feedback..."),
                         QStringLiteral("mail.stack"), {}, [] { Feedback::compose(); }));
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "About..."),
-                        QStringLiteral("info.circle"), {}, [] { WindowController::showAbout(); }));
+                        QStringLiteral("info.circle"), {}, [] { SettingsWindow::showAbout(); }));
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Quit"), QStringLiteral("escape"),
                         QStringLiteral("q"), [] { QCoreApplication::quit(); }));
     return menu;
@@ -81,9 +97,6 @@ QString currentTitle()
 // Runs for every value either half of the work countdown takes, with the latest of both.
 void countdownChanged(StatusItem& item)
 {
-    // The gate starts the break, or holds it while something asks not to be disturbed.
-    if (AppState::workState().timesUp())
-        AppState::breakGate().workPeriodEnded();
     item.setTitle(AppState::prefState().showTime() ? currentTitle() : QString());
 }
 
@@ -112,6 +125,9 @@ void updateToolTip(StatusItem& item)
         tip = tr("Break waiting %1").arg(gate.heldTimeString());
         if (!gate.holdReason().isEmpty())
             tip += QStringLiteral(": ") + gate.holdReason();
+        if (gate.holdSecondsLeft() >= 0)
+            tip += u'\n' + tr("It comes at %1 at the latest.")
+                               .arg(TicktackController::clockTimeIn(gate.holdSecondsLeft()));
     } else {
         tip = currentTitle();
     }
@@ -132,13 +148,13 @@ void updatePostponeEntry()
     }
     if (!postpone) {
         postpone = entry(QCoreApplication::translate("StatusBarController", "Postpone Break"),
-                         QStringLiteral("clock.arrow.circlepath"), {}, [] { AppControl::postpone(0); });
+                         QStringLiteral("clock.arrow.circlepath"), {}, [] { CycleControl::postpone(0); });
         postpone->setTag(postponeItemTag);
         const qsizetype pauseIndex =
             statusMenu.items().indexOf(statusMenu.itemWithTag(AppState::pauseItemTag));
         statusMenu.insertItem(pauseIndex + 1, postpone);
     }
-    postpone->setEnabled(AppState::breakGate().postponeAllowed());
+    postpone->setEnabled(CycleControl::canPostpone());
 }
 
 StatusItem* buildItem()
@@ -152,7 +168,14 @@ StatusItem* buildItem()
     QObject::connect(&work, &TicktackState::timeStringChanged, item, [item] { countdownChanged(*item); });
     QObject::connect(&work, &TicktackState::timesUpChanged, item, [item] { updateToolTip(*item); });
     QObject::connect(&work, &TicktackState::timeStringChanged, item, [item] { updateToolTip(*item); });
-    QObject::connect(&AppState::changes(), &StateChanges::changed, item, [item] { updateToolTip(*item); });
+    QObject::connect(&AppState::events(), &CycleEvents::changed, item, [item] {
+        updateToolTip(*item);
+        updatePostponeEntry();
+    });
+    // Whether a postpone would move the break changes as the countdown nears it.
+    QObject::connect(&work, &TicktackState::timeStringChanged, item, &updatePostponeEntry);
+    QObject::connect(&AppState::prefState(), &PrefState::showTimeChanged, item,
+                     [] { showTime(AppState::prefState().showTime()); });
     BreakGate& gate = AppState::breakGate();
     QObject::connect(&gate, &BreakGate::changed, item, [item] {
         if (AppState::prefState().showTime())
@@ -162,7 +185,6 @@ StatusItem* buildItem()
     });
     QObject::connect(&AppState::prefState(), &PrefState::allowPostponeChanged, item, &updatePostponeEntry);
     updatePostponeEntry();
-    new HeadsUpNotice(gate, item);
     // The subscription starts with the values the countdown already has.
     countdownChanged(*item);
     updateToolTip(*item);
@@ -180,7 +202,12 @@ QString headerTitle(const QVariantMap& infos)
 
 StatusMenu& menu()
 {
-    static StatusMenu* statusMenu = buildMenu();
+    static StatusMenu* statusMenu = [] {
+        StatusMenu* made = buildMenu();
+        QObject::connect(&AppState::events(), &CycleEvents::changed, made,
+                         [made] { updatePauseEntry(*made); });
+        return made;
+    }();
     return *statusMenu;
 }
 

@@ -2,12 +2,12 @@
 #include "StatusItemExporter.h"
 
 #include "DBusMenu.h"
-#include "PanelAbsenceNotice.h"
 #include "PanelHost.h"
 #include "StatusItem.h"
 #include "StatusNotifierItem.h"
 #include "StatusPopupMenu.h"
 #include "TrayIcon.h"
+#include "notifications/PanelAbsenceNotice.h"
 
 #include <QCursor>
 #include <QGuiApplication>

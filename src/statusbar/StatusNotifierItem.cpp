@@ -7,8 +7,8 @@
 #include "StatusItem.h"
 #include "StatusMenu.h"
 #include "StatusMenuItem.h"
-#include "app/AppControl.h"
-#include "app/AppState.h"
+#include "cycle/AppState.h"
+#include "cycle/CycleControl.h"
 #include "logging/Logger.h"
 
 #include <QCoreApplication>
@@ -212,7 +212,7 @@ void StatusNotifierItem::SecondaryActivate(int, int)
 {
     // A middle click pauses or resumes, like the menu's pause entry; after this call's reply.
     QMetaObject::invokeMethod(
-        this, [] { AppControl::togglePause(AppControl::Origin::MiddleClick); }, Qt::QueuedConnection);
+        this, [] { CycleControl::togglePause(CycleControl::Origin::MiddleClick); }, Qt::QueuedConnection);
 }
 
 void StatusNotifierItem::ContextMenu(int x, int y)

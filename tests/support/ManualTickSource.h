@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "timer/TickSource.h"
+#include "cycle/TickSource.h"
 
 #include <functional>
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "StandInNotificationServer.h"
 
+#include <utility>
+
 namespace {
 const QString serverName = QStringLiteral("org.freedesktop.Notifications");
 const QString serverPath = QStringLiteral("/org/freedesktop/Notifications");
@@ -50,7 +52,19 @@ void StandInNotificationServer::invokeAction(quint32 id, const QString& key)
 QStringList StandInNotificationServer::GetCapabilities()
 {
     m_calls << QStringLiteral("GetCapabilities");
+    if (m_holdCapabilities) {
+        setDelayedReply(true);
+        m_waiting << message();
+        return {};
+    }
     return m_capabilities;
+}
+
+void StandInNotificationServer::answerCapabilities()
+{
+    m_holdCapabilities = false;
+    for (const QDBusMessage& call : std::exchange(m_waiting, {}))
+        m_connection.send(call.createReply(QVariant(m_capabilities)));
 }
 
 quint32 StandInNotificationServer::Notify(const QString& appName, quint32 replacesId, const QString& appIcon,
@@ -68,7 +82,8 @@ void StandInNotificationServer::CloseNotification(quint32 id)
 {
     m_calls << QStringLiteral("CloseNotification");
     m_closedIds << id;
-    emit NotificationClosed(id, closedByCall);
+    if (m_announcesClosing)
+        emit NotificationClosed(id, closedByCall);
 }
 
 QString StandInNotificationServer::GetServerInformation(QString& vendor, QString& version,

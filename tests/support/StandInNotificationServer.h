@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusMessage>
 #include <QList>
 #include <QObject>
 #include <QStringList>
@@ -10,7 +12,7 @@
 // A desktop notification server as the real ones behave on the bus: it owns
 // org.freedesktop.Notifications, answers with its capabilities, hands out ids and announces
 // actions and closing. Tests use it where the desktop's server is outside the machine.
-class StandInNotificationServer : public QObject {
+class StandInNotificationServer : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
 
@@ -43,6 +45,13 @@ public:
     // The user clicks the action `key` of notification `id`.
     void invokeAction(quint32 id, const QString& key);
 
+    // A slow server: GetCapabilities is answered only at answerCapabilities().
+    void holdCapabilities() { m_holdCapabilities = true; }
+    void answerCapabilities();
+    qsizetype capabilitiesWaiting() const { return m_waiting.size(); }
+    // Some servers close a notification without saying so.
+    void setAnnouncesClosing(bool announces) { m_announcesClosing = announces; }
+
 public slots:
     Q_SCRIPTABLE QStringList GetCapabilities();
     Q_SCRIPTABLE quint32 Notify(const QString& appName, quint32 replacesId, const QString& appIcon,
@@ -63,4 +72,7 @@ private:
     QList<quint32> m_closedIds;
     quint32 m_lastId = 0;
     bool m_started = false;
+    bool m_holdCapabilities = false;
+    bool m_announcesClosing = true;
+    QList<QDBusMessage> m_waiting;
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "events/HoldSource.h"
+#include "hold/HoldSource.h"
 
 // What holds a break in the cycle's tests: the real conditions (full-screen windows, inhibitors,
 // Do Not Disturb) have tests of their own; here the cycle's answer to any of them is what counts.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "TestSupport.h"
+#include "break/WindowController.h"
 
 #include <QApplication>
 #include <QtTest>
@@ -24,11 +25,14 @@ int runTests(int argc, char* argv[], ChildMain childMain = nullptr,
     const QByteArray mode = qgetenv("LULLTIDE_TEST_CHILD");
     if (childMain && !mode.isEmpty()) {
         QApplication app(argc, argv);
+        WindowController::install();
         return childMain(mode);
     }
     isolateUserDirs();
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
+    // The break windows, as the program installs them at launch.
+    WindowController::install();
     TestClass test;
     return QTest::qExec(&test, argc, argv);
 }
