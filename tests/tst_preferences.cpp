@@ -250,6 +250,50 @@ private slots:
         QTest::newRow("infinity is not a length") << "inf" << 1500.0;
         QTest::newRow("blank around") << " 5" << 1500.0;
     }
+    void everyNumberOfTheTimingTabStaysInItsRangeWhateverTheFileHolds_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<double>("expected");
+        const QStringList hostile{"1e300", "-1e300", "nan", "inf", "1e-300", "", "text"};
+        // Too large, too small, not a number: each read gives the bound or the default.
+        const QMap<QString, QList<double>> expectations{
+            {"heads_up_seconds", {600, 10, 60, 60, 10, 60, 60}},
+            {"postpone_minutes", {1440 * 60, 60, 300, 300, 60, 300, 300}},
+            {"postpone_limit", {2, 2, 2, 2, 2, 2, 2}},
+            {"hold_limit_minutes", {1440 * 60, 0, 3600, 3600, 1e-300 * 60, 3600, 3600}},
+        };
+        for (auto it = expectations.cbegin(); it != expectations.cend(); ++it) {
+            for (qsizetype i = 0; i < hostile.size(); ++i)
+                QTest::addRow("%s=%s", qPrintable(it.key()), qPrintable(hostile.at(i)))
+                    << it.key() << hostile.at(i) << it.value().at(i);
+        }
+        QTest::newRow("postpone_limit=99") << "postpone_limit"
+                                           << "99" << 5.0;
+        QTest::newRow("postpone_limit=-3") << "postpone_limit"
+                                           << "-3" << 1.0;
+        QTest::newRow("postpone_minutes=2000") << "postpone_minutes"
+                                               << "2000" << 1440.0 * 60;
+        QTest::newRow("postpone_minutes=1e17") << "postpone_minutes"
+                                               << "1e17" << 1440.0 * 60;
+    }
+    void everyNumberOfTheTimingTabStaysInItsRangeWhateverTheFileHolds()
+    {
+        QFETCH(QString, key);
+        QFETCH(QString, text);
+        QFETCH(double, expected);
+        SettingsStore::settings().setValue(key, text);
+        PrefState prefs;
+        const QMap<QString, double> read{
+            {"heads_up_seconds", prefs.headsUpSeconds()},
+            {"postpone_minutes", prefs.postponeTime()},
+            {"postpone_limit", double(prefs.postponeLimit())},
+            {"hold_limit_minutes", prefs.holdLimit()},
+        };
+        QCOMPARE(read.value(key), expected);
+        SettingsStore::settings().remove(key);
+    }
+
     void workTimeParsesMinutesWithAFallbackOf25()
     {
         QFETCH(QString, text);

@@ -324,6 +324,32 @@ private slots:
         typeInto("workTimeField", "25");
     }
 
+    void theTimingTabsFieldsRefuseValuesOutOfRange()
+    {
+        prefs().setHeadsUp(true);
+        prefs().setAllowPostpone(true);
+        prefs().setHoldBreaks(true);
+        openTab("timingTab");
+        // Each keystroke within the range is stored; the one that leaves it is not.
+        typeInto("postponeMinutesField", "2000");
+        QTRY_COMPARE(prefs().postponeMinutesString(), "200");
+        typeInto("holdLimitMinutesField", "2000");
+        QTRY_COMPARE(prefs().holdLimitMinutesString(), "200");
+        typeInto("postponeLimitField", "9");
+        typeInto("headsUpSecondsField", "5");
+        // Values in range that follow prove the refused ones were typed and seen.
+        typeInto("postponeLimitField", "3");
+        QTRY_COMPARE(prefs().postponeLimitString(), "3");
+        typeInto("headsUpSecondsField", "45");
+        QTRY_COMPARE(prefs().headsUpSecondsString(), "45");
+        typeInto("postponeMinutesField", "30");
+        QTRY_COMPARE(prefs().postponeMinutesString(), "30");
+        QCOMPARE(stored("postpone_limit").toString(), "3");
+        prefs().setHeadsUp(false);
+        prefs().setAllowPostpone(false);
+        prefs().setHoldBreaks(false);
+    }
+
     void typing1Point5InTheBreakFieldGivesABreakOf1Point5Seconds()
     {
         openTab("workflowTab");

@@ -654,10 +654,6 @@
         <translation>推迟休息的分钟数</translation>
     </message>
     <message>
-        <source>mins</source>
-        <translation>分钟</translation>
-    </message>
-    <message>
         <source>At most</source>
         <translation>最多</translation>
     </message>
@@ -680,6 +676,22 @@
     <message>
         <source>A due break waits while another program is full screen, an application keeps the session awake, or the desktop&apos;s Do Not Disturb is on, and comes 10 seconds after the last of them ends.</source>
         <translation>当其他程序全屏、有应用阻止会话空闲，或桌面开启了勿扰模式时，到时的休息会等待，并在这些情况全部结束 10 秒后开始。</translation>
+    </message>
+    <message>
+        <source>mins (1 to 1440)</source>
+        <translation>分钟（1 到 1440）</translation>
+    </message>
+    <message>
+        <source>Wait at most</source>
+        <translation>最多等待</translation>
+    </message>
+    <message>
+        <source>Minutes a held break waits at most</source>
+        <translation>暂缓的休息最多等待的分钟数</translation>
+    </message>
+    <message>
+        <source>mins (0: as long as it takes)</source>
+        <translation>分钟（0：一直等待）</translation>
     </message>
 </context>
 <context>

@@ -35,6 +35,9 @@ Item {
                 storedBeforeEdit = store[setting];
                 editing = true;
             }
+            // A field with a range keeps what was stored until the text is within it.
+            if (validator && !acceptableInput)
+                return;
             store[setting] = text;
         }
         onActiveFocusChanged: if (!activeFocus) editing = false

@@ -56,6 +56,12 @@ Item {
                         store: root.prefState
                         objectName: "headsUpSecondsField"
                         setting: "headsUpSecondsString"
+                        validator: DoubleValidator {
+                            bottom: 10
+                            top: 600
+                            notation: DoubleValidator.StandardNotation
+                            locale: "C"
+                        }
                         Accessible.name: qsTr("Seconds of notice before a break")
                     }
                     Label {
@@ -95,10 +101,16 @@ Item {
                         store: root.prefState
                         objectName: "postponeMinutesField"
                         setting: "postponeMinutesString"
+                        validator: DoubleValidator {
+                            bottom: 1
+                            top: 1440
+                            notation: DoubleValidator.StandardNotation
+                            locale: "C"
+                        }
                         Accessible.name: qsTr("Minutes to postpone a break by")
                     }
                     Label {
-                        text: qsTr("mins")
+                        text: qsTr("mins (1 to 1440)")
                     }
                 }
                 PrefBreakView.RowLabel {
@@ -114,6 +126,10 @@ Item {
                         store: root.prefState
                         objectName: "postponeLimitField"
                         setting: "postponeLimitString"
+                        validator: IntValidator {
+                            bottom: 1
+                            top: 5
+                        }
                         Accessible.name: qsTr("Postpones in a row")
                     }
                     Label {
@@ -145,6 +161,27 @@ Item {
                     text: qsTr("A due break waits while another program is full screen, an application keeps "
                                + "the session awake, or the desktop's Do Not Disturb is on, and comes 10 "
                                + "seconds after the last of them ends.")
+                }
+                RowLayout {
+                    Layout.leftMargin: 8
+                    spacing: 8
+                    enabled: root.prefState.holdBreaks
+                    Label {
+                        text: qsTr("Wait at most")
+                    }
+                    PrefBreakView.SettingField {
+                        store: root.prefState
+                        objectName: "holdLimitMinutesField"
+                        setting: "holdLimitMinutesString"
+                        Accessible.name: qsTr("Minutes a held break waits at most")
+                        validator: IntValidator {
+                            bottom: 0
+                            top: 1440
+                        }
+                    }
+                    Label {
+                        text: qsTr("mins (0: as long as it takes)")
+                    }
                 }
             }
         }
