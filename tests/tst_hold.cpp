@@ -15,6 +15,11 @@
 #include <QProcess>
 #include <QScopeGuard>
 #include <QWidget>
+#include <chrono>
+#include <condition_variable>
+#include <csignal>
+#include <mutex>
+#include <thread>
 
 namespace {
 
@@ -353,6 +358,94 @@ private slots:
         desktop.unregisterService("org.freedesktop.PowerManagement");
         QTRY_VERIFY(!source.holding());
         desktop.unregisterObject("/org/freedesktop/PowerManagement/Inhibit");
+    }
+
+    void startingASourceWaitsForNoAnswerFromTheBus()
+    {
+        // A bus of our own, then stopped: a question that waits for its answer would hang here
+        // until the bus library gives up, 25 seconds on.
+        QProcess daemon;
+        daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address=1"});
+        QVERIFY(daemon.waitForReadyRead(20000));
+        const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
+        QDBusConnection bus = QDBusConnection::connectToBus(address, "stopped-bus");
+        auto cleanUp = qScopeGuard([&] {
+            ::kill(pid_t(daemon.processId()), SIGCONT);
+            QDBusConnection::disconnectFromBus("stopped-bus");
+            daemon.terminate();
+            daemon.waitForFinished();
+        });
+        QVERIFY(bus.isConnected());
+        QCOMPARE(::kill(pid_t(daemon.processId()), SIGSTOP), 0);
+        std::mutex mutex;
+        std::condition_variable returned;
+        bool startReturned = false;
+        bool resumedByTheWatchdog = false;
+        std::thread watchdog([&] {
+            std::unique_lock lock(mutex);
+            if (!returned.wait_for(lock, std::chrono::seconds(15), [&] { return startReturned; })) {
+                resumedByTheWatchdog = true;
+                ::kill(pid_t(daemon.processId()), SIGCONT);
+            }
+        });
+        {
+            PowerInhibitHoldSource source(bus);
+            source.start();
+            QVERIFY(!source.holding());
+        }
+        {
+            std::lock_guard lock(mutex);
+            startReturned = true;
+        }
+        returned.notify_one();
+        watchdog.join();
+        // Back before the watchdog had to wake the bus.
+        QVERIFY(!resumedByTheWatchdog);
+    }
+
+    void aSignalFromAnyoneButTheServicesOwnerIsIgnored()
+    {
+        StandInPowerManagement power(desktop);
+        QVERIFY(power.start());
+        PowerInhibitHoldSource source(QDBusConnection::sessionBus());
+        source.start();
+        QDBusConnection impostor =
+            QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("impostor"));
+        auto cleanUp = qScopeGuard([this] {
+            QDBusConnection::disconnectFromBus(QStringLiteral("impostor"));
+            desktop.unregisterService("org.freedesktop.PowerManagement");
+            desktop.unregisterObject("/org/freedesktop/PowerManagement/Inhibit");
+        });
+        QVERIFY(impostor.isConnected());
+        // The source knows the owner once the owner's first word is heard.
+        power.setInhibit(true);
+        QTRY_VERIFY(source.holding());
+        power.setInhibit(false);
+        QTRY_VERIFY(!source.holding());
+
+        QDBusMessage lie =
+            QDBusMessage::createSignal("/org/freedesktop/PowerManagement/Inhibit",
+                                       "org.freedesktop.PowerManagement.Inhibit", "HasInhibitChanged");
+        lie << true;
+        QVERIFY(impostor.send(lie));
+        // The impostor's answer to a ping comes after its signal: once it is in, so is the signal.
+        const QDBusMessage ping =
+            QDBusMessage::createMethodCall(impostor.baseService(), "/", "org.freedesktop.DBus.Peer", "Ping");
+        QCOMPARE(QDBusConnection::sessionBus().call(ping).type(), QDBusMessage::ReplyMessage);
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+        QVERIFY(!source.holding());
+    }
+
+    void theFullScreenSourceGivesTheXlibErrorHandlerBack()
+    {
+        const void* before = TestSupport::currentXlibErrorHandler();
+        {
+            FullScreenHoldSource source;
+            QVERIFY(source.start());
+            QVERIFY(TestSupport::currentXlibErrorHandler() != before);
+        }
+        QCOMPARE(TestSupport::currentXlibErrorHandler(), before);
     }
 
     void plasmaDoNotDisturbHoldsWhileNotificationsAreInhibited()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "DBusHoldSource.h"
 
-#include <QDBusConnectionInterface>
+#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
@@ -15,15 +15,43 @@ DBusHoldSource::DBusHoldSource(const QDBusConnection& connection, const QString&
 
 void DBusHoldSource::start()
 {
-    m_watcher = new QDBusServiceWatcher(
-        m_service, m_connection,
-        QDBusServiceWatcher::WatchForRegistration | QDBusServiceWatcher::WatchForUnregistration, this);
-    connect(m_watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] { query(); });
-    connect(m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] { setHolding(false); });
+    m_watcher =
+        new QDBusServiceWatcher(m_service, m_connection, QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& owner) { ownerChanged(owner); });
     subscribe();
-    // Asked even when nobody holds the name yet: a service started on demand starts now.
-    if (m_connection.interface() && m_connection.interface()->isServiceRegistered(m_service))
+    // Asked even when nobody holds the name yet: a service started on demand starts now. Not
+    // waited for: switching holding on must not stop the program while the bus answers.
+    const QDBusMessage call =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+                                       QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"))
+        << m_service;
+    whenAnswered(m_connection.asyncCall(call), [this](const QVariant& owner) {
+        // An owner announced meanwhile is newer than this answer.
+        if (m_owner.isEmpty())
+            ownerChanged(owner.toString());
+    });
+}
+
+void DBusHoldSource::ownerChanged(const QString& owner)
+{
+    m_owner = owner;
+    if (owner.isEmpty())
+        setHolding(false);
+    else
         query();
+}
+
+void DBusHoldSource::listen(const QString& path, const QString& interface, const QString& signal,
+                            const char* slot)
+{
+    m_connection.connect(QString(), path, interface, signal, this, slot);
+}
+
+bool DBusHoldSource::fromOwner() const
+{
+    return calledFromDBus() && !m_owner.isEmpty() && message().service() == m_owner;
 }
 
 void DBusHoldSource::setHolding(bool holding)

@@ -4,6 +4,7 @@
 #include "HoldSource.h"
 
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <functional>
 
 class QDBusPendingCall;
@@ -11,9 +12,9 @@ class QDBusServiceWatcher;
 
 // A condition that a desktop service tells on the session bus. The service may start after us,
 // restart or go: it is asked again whenever it appears, and holds nothing while it is away.
-// Subclasses ask and listen; answers from anyone but the service's owner are ignored by the bus
-// library's sender matching.
-class DBusHoldSource : public HoldSource {
+// Subclasses ask and listen. Nothing waits for the bus: the service's owner is learnt from
+// answers and announcements, and signals from anyone else are ignored.
+class DBusHoldSource : public HoldSource, protected QDBusContext {
     Q_OBJECT
 
 public:
@@ -34,12 +35,21 @@ protected:
     void setHolding(bool holding);
     // Runs `done` with the answer once it is back; an error answer counts as not holding.
     void whenAnswered(const QDBusPendingCall& call, std::function<void(const QVariant&)> done);
+    // Connects `slot` to a signal of the service's object at `path`. (Naming the service here
+    // would make the bus library ask for its owner and wait for the answer.)
+    void listen(const QString& path, const QString& interface, const QString& signal, const char* slot);
+    // In a slot connected by listen(): whether the signal came from the service's owner.
+    bool fromOwner() const;
 
     QDBusConnection m_connection;
     const QString m_service;
 
 private:
+    void ownerChanged(const QString& owner);
+
     QDBusServiceWatcher* m_watcher = nullptr;
+    // The unique name of the service's owner; empty while nobody owns it.
+    QString m_owner;
     QString m_reason;
     bool m_holding = false;
 };

@@ -17,9 +17,8 @@ DBusPropertyHoldSource::DBusPropertyHoldSource(const QDBusConnection& connection
 
 void DBusPropertyHoldSource::subscribe()
 {
-    m_connection.connect(m_property.service, m_property.path, propertiesInterface,
-                         QStringLiteral("PropertiesChanged"), this,
-                         SLOT(propertiesChanged(QString, QVariantMap, QStringList)));
+    listen(m_property.path, propertiesInterface, QStringLiteral("PropertiesChanged"),
+           SLOT(propertiesChanged(QString, QVariantMap, QStringList)));
 }
 
 void DBusPropertyHoldSource::query()
@@ -34,7 +33,7 @@ void DBusPropertyHoldSource::query()
 void DBusPropertyHoldSource::propertiesChanged(const QString& interface, const QVariantMap& changed,
                                                const QStringList& invalidated)
 {
-    if (interface != m_property.interface)
+    if (interface != m_property.interface || !fromOwner())
         return;
     if (changed.contains(m_property.name))
         setHolding(m_property.holds(changed.value(m_property.name)));

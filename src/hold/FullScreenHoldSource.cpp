@@ -54,8 +54,15 @@ FullScreenHoldSource::~FullScreenHoldSource()
     delete m_notifier;
     if (m_display) {
         XCloseDisplay(m_display);
-        if (ownDisplay == m_display)
+        if (ownDisplay == m_display) {
             ownDisplay = nullptr;
+            // The handler is the whole process's: the one that was there before comes back,
+            // unless someone put their own over ours meanwhile.
+            const XErrorHandler current = XSetErrorHandler(previousHandler);
+            if (current != ignoreVanishedWindows)
+                XSetErrorHandler(current);
+            previousHandler = nullptr;
+        }
     }
 }
 

@@ -20,8 +20,7 @@ PowerInhibitHoldSource::PowerInhibitHoldSource(const QDBusConnection& connection
 
 void PowerInhibitHoldSource::subscribe()
 {
-    m_connection.connect(service, path, interface, QStringLiteral("HasInhibitChanged"), this,
-                         SLOT(hasInhibitChanged(bool)));
+    listen(path, interface, QStringLiteral("HasInhibitChanged"), SLOT(hasInhibitChanged(bool)));
 }
 
 void PowerInhibitHoldSource::query()
@@ -35,5 +34,6 @@ void PowerInhibitHoldSource::query()
 
 void PowerInhibitHoldSource::hasInhibitChanged(bool hasInhibit)
 {
-    setHolding(hasInhibit);
+    if (fromOwner())
+        setHolding(hasInhibit);
 }

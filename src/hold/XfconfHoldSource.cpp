@@ -26,10 +26,9 @@ XfconfHoldSource::XfconfHoldSource(const QDBusConnection& connection, QObject* p
 
 void XfconfHoldSource::subscribe()
 {
-    m_connection.connect(service, path, interface, QStringLiteral("PropertyChanged"), this,
-                         SLOT(propertyChanged(QString, QString, QDBusVariant)));
-    m_connection.connect(service, path, interface, QStringLiteral("PropertyRemoved"), this,
-                         SLOT(propertyRemoved(QString, QString)));
+    listen(path, interface, QStringLiteral("PropertyChanged"),
+           SLOT(propertyChanged(QString, QString, QDBusVariant)));
+    listen(path, interface, QStringLiteral("PropertyRemoved"), SLOT(propertyRemoved(QString, QString)));
 }
 
 void XfconfHoldSource::query()
@@ -44,12 +43,12 @@ void XfconfHoldSource::query()
 void XfconfHoldSource::propertyChanged(const QString& changedChannel, const QString& changedProperty,
                                        const QDBusVariant& value)
 {
-    if (changedChannel == channel && changedProperty == doNotDisturb)
+    if (changedChannel == channel && changedProperty == doNotDisturb && fromOwner())
         setHolding(isOn(value.variant()));
 }
 
 void XfconfHoldSource::propertyRemoved(const QString& changedChannel, const QString& changedProperty)
 {
-    if (changedChannel == channel && changedProperty == doNotDisturb)
+    if (changedChannel == channel && changedProperty == doNotDisturb && fromOwner())
         setHolding(false);
 }

@@ -18,6 +18,8 @@
 #include <unistd.h>
 #include <vector>
 
+#include <X11/Xlib.h>
+
 namespace TestSupport {
 
 QString isolateUserDirs()
@@ -255,6 +257,13 @@ ChildResult runChild(const QByteArray& mode, const QProcessEnvironment& environm
     result.standardOutput = QString::fromUtf8(child.readAllStandardOutput());
     result.standardError = QString::fromUtf8(child.readAllStandardError());
     return result;
+}
+
+const void* currentXlibErrorHandler()
+{
+    const XErrorHandler handler = XSetErrorHandler(nullptr);
+    XSetErrorHandler(handler);
+    return reinterpret_cast<const void*>(handler);
 }
 
 } // namespace TestSupport

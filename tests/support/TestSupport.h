@@ -73,4 +73,8 @@ QStringList searchWindows(const QStringList& arguments,
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);
 
+// The process's Xlib error handler, as an address to compare (Xlib's own headers stay out of
+// the tests, whose names they would clash with).
+const void* currentXlibErrorHandler();
+
 } // namespace TestSupport
