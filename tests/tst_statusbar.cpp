@@ -800,6 +800,58 @@ private slots:
         QCOMPARE(label(), "25:00");
     }
 
+    void menuIdsStayWithTheirEntriesWhenPostponingIsSwitchedOn()
+    {
+        QMap<int, QString> before;
+        for (const DBusMenuLayoutItem& child : layout().children)
+            before.insert(child.id, child.properties.value("label").toString());
+        AppState::prefState().setAllowPostpone(true);
+        auto off = qScopeGuard([] { AppState::prefState().setAllowPostpone(false); });
+        QMap<int, QString> after;
+        for (const DBusMenuLayoutItem& child : layout().children)
+            after.insert(child.id, child.properties.value("label").toString());
+        QCOMPARE(after.size(), before.size() + 1);
+        for (auto it = before.cbegin(); it != before.cend(); ++it)
+            QCOMPARE(after.value(it.key()), it.value());
+        const int postponeId = after.key("Postpone Break");
+        QVERIFY(!before.contains(postponeId));
+        // Gone again, its id names nothing.
+        AppState::prefState().setAllowPostpone(false);
+        QCOMPARE(callMenu("GetProperty", {postponeId, QStringLiteral("label")}).errorName(),
+                 "com.canonical.dbusmenu.Error.UnknownId");
+        QCOMPARE(entry(4).value("label").toString(), "Settings...");
+    }
+
+    void pausingAnnouncesEveryEntryItChanges()
+    {
+        AppState::prefState().setAllowPostpone(true);
+        auto off = qScopeGuard([] { AppState::prefState().setAllowPostpone(false); });
+        restartWork();
+        // A break nearer than the postpone: the entry is offered.
+        TicktackController::work(60);
+        int postponeId = 0;
+        for (const DBusMenuLayoutItem& child : layout().children) {
+            if (child.properties.value("label").toString() == "Postpone Break")
+                postponeId = child.id;
+        }
+        QVERIFY(postponeId > 0);
+        QTRY_COMPARE(entry(postponeId).value("enabled").toBool(), true);
+        const int updates = recorder->count("ItemsPropertiesUpdated");
+        click(3);
+        QTRY_VERIFY(AppState::manualPause());
+        QTRY_COMPARE(recorder->count("ItemsPropertiesUpdated"), updates + 1);
+        const auto updated = qdbus_cast<DBusMenuItemPropertiesList>(
+            recorder->last("ItemsPropertiesUpdated").arguments().value(0).value<QDBusArgument>());
+        QMap<int, QVariantMap> byId;
+        for (const auto& item : updated)
+            byId.insert(item.id, item.properties);
+        QCOMPARE(byId.value(3).value("label").toString(), "- Wrok -");
+        QVERIFY(byId.contains(postponeId));
+        QCOMPARE(byId.value(postponeId).value("enabled").toBool(), false);
+        click(3);
+        QTRY_VERIFY(!AppState::manualPause());
+    }
+
     void aClickReturnsAtOnceAndItsActionRunsAfterwards()
     {
         restartWork();

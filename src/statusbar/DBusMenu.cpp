@@ -50,7 +50,17 @@ DBusMenu::DBusMenu(StatusMenu& menu, QObject* parent) : QObject(parent), m_menu(
     connect(m_batch, &QTimer::timeout, this, &DBusMenu::sendChangedItems);
 
     connect(&m_menu, &StatusMenu::itemChanged, this, &DBusMenu::itemChanged);
+    // The entries there at start are numbered in their order, 1 to n.
+    for (const StatusMenuItem* item : m_menu.items())
+        idOf(item);
     connect(&m_menu, &StatusMenu::layoutChanged, this, [this] {
+        // An entry that went takes its id along: a panel's click on it finds nothing.
+        for (auto it = m_ids.begin(); it != m_ids.end();) {
+            if (m_menu.items().contains(const_cast<StatusMenuItem*>(it.key())))
+                ++it;
+            else
+                it = m_ids.erase(it);
+        }
         ++m_revision;
         m_changed.clear();
         emit LayoutUpdated(m_revision, 0);
@@ -94,14 +104,21 @@ QVariantMap DBusMenu::properties(const StatusMenuItem& item, const QStringList& 
 
 StatusMenuItem* DBusMenu::itemWithId(int id) const
 {
-    const auto& items = m_menu.items();
-    return id >= 1 && id <= items.size() ? items.at(id - 1) : nullptr;
+    for (StatusMenuItem* item : m_menu.items()) {
+        if (id >= 1 && idOf(item) == id)
+            return item;
+    }
+    return nullptr;
 }
 
 int DBusMenu::idOf(const StatusMenuItem* item) const
 {
-    const qsizetype index = m_menu.items().indexOf(const_cast<StatusMenuItem*>(item));
-    return index < 0 ? -1 : int(index) + 1;
+    if (!m_menu.items().contains(const_cast<StatusMenuItem*>(item)))
+        return -1;
+    auto found = m_ids.constFind(item);
+    if (found == m_ids.constEnd())
+        found = m_ids.insert(item, ++m_lastId);
+    return *found;
 }
 
 DBusMenuLayoutItem DBusMenu::layoutOf(int id, int depth, const QStringList& names) const
@@ -115,8 +132,8 @@ DBusMenuLayoutItem DBusMenu::layoutOf(int id, int depth, const QStringList& name
     layout.properties.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
     if (depth == 0)
         return layout;
-    for (int child = 1; child <= m_menu.items().size(); ++child)
-        layout.children.append(layoutOf(child, depth - 1, names));
+    for (const StatusMenuItem* child : m_menu.items())
+        layout.children.append(layoutOf(idOf(child), depth - 1, names));
     return layout;
 }
 
@@ -161,15 +178,15 @@ DBusMenuItemPropertiesList DBusMenu::GetGroupProperties(const QList<int>& ids,
     // An empty list asks for every entry.
     QList<int> wanted = ids;
     if (wanted.isEmpty()) {
-        for (int id = 1; id <= m_menu.items().size(); ++id)
-            wanted.append(id);
+        for (const StatusMenuItem* item : m_menu.items())
+            wanted.append(idOf(item));
     }
     // Each known entry once, in the order asked; unknown ids are left out.
-    QList<bool> answered(m_menu.items().size() + 1, false);
+    QSet<int> answered;
     for (int id : std::as_const(wanted)) {
-        if (id < 0 || id >= answered.size() || answered.at(id))
+        if (answered.contains(id) || (id != 0 && !itemWithId(id)))
             continue;
-        answered[id] = true;
+        answered.insert(id);
         if (id == 0)
             result.append({0, layoutOf(0, 0, propertyNames).properties});
         else

@@ -71,6 +71,10 @@ private:
     StatusMenu& m_menu;
     uint m_revision = 1;
     QSet<StatusMenuItem*> m_changed;
+    // An entry keeps its id while it is in the menu, whatever comes or goes around it: panels
+    // cache the layout and send back the ids they have.
+    mutable QHash<const StatusMenuItem*, int> m_ids;
+    mutable int m_lastId = 0;
     QHash<const StatusMenuItem*, QStringList> m_sentNames;
     QTimer* m_batch = nullptr;
 };
