@@ -54,14 +54,6 @@ bool DBusHoldSource::fromOwner() const
     return calledFromDBus() && !m_owner.isEmpty() && message().service() == m_owner;
 }
 
-void DBusHoldSource::setHolding(bool holding)
-{
-    if (holding == m_holding)
-        return;
-    m_holding = holding;
-    emit holdingChanged();
-}
-
 void DBusHoldSource::whenAnswered(const QDBusPendingCall& call, std::function<void(const QVariant&)> done)
 {
     auto* watcher = new QDBusPendingCallWatcher(call, this);

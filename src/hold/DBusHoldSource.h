@@ -24,15 +24,13 @@ public:
     // Subscribes and asks; call once after construction.
     void start();
 
-    bool holding() const override { return m_holding; }
-    QString reason() const override { return m_holding ? m_reason : QString(); }
+    QString reason() const override { return holding() ? m_reason : QString(); }
 
 protected:
     // Subscribes to the service's change signals (once).
     virtual void subscribe() = 0;
     // Asks the service for the present state (at start and whenever it appears).
     virtual void query() = 0;
-    void setHolding(bool holding);
     // Runs `done` with the answer once it is back; an error answer counts as not holding.
     void whenAnswered(const QDBusPendingCall& call, std::function<void(const QVariant&)> done);
     // Connects `slot` to a signal of the service's object at `path`. (Naming the service here
@@ -51,5 +49,4 @@ private:
     // The unique name of the service's owner; empty while nobody owns it.
     QString m_owner;
     QString m_reason;
-    bool m_holding = false;
 };

@@ -89,7 +89,7 @@ bool FullScreenHoldSource::start()
 
 QString FullScreenHoldSource::reason() const
 {
-    return m_holding ? QCoreApplication::translate("HoldSource", "another program is full screen")
+    return holding() ? QCoreApplication::translate("HoldSource", "another program is full screen")
                      : QString();
 }
 
@@ -128,10 +128,7 @@ void FullScreenHoldSource::update()
         XSelectInput(m_display, m_watched, PropertyChangeMask);
     const bool holding = m_watched && isFullScreen(m_watched) && !isOurs(m_watched);
     XFlush(m_display);
-    if (holding == m_holding)
-        return;
-    m_holding = holding;
-    emit holdingChanged();
+    setHolding(holding);
 }
 
 unsigned long FullScreenHoldSource::activeWindow() const

@@ -19,7 +19,6 @@ public:
     // Opens the connection and reads the present state; false without an X server.
     bool start();
 
-    bool holding() const override { return m_holding; }
     QString reason() const override;
 
 private:
@@ -37,5 +36,4 @@ private:
     unsigned long m_stateAtom = 0;
     unsigned long m_fullScreenAtom = 0;
     unsigned long m_pidAtom = 0;
-    bool m_holding = false;
 };

@@ -48,8 +48,5 @@ void GSettingsHoldSource::changed(GSettings*, const char*, void* self)
 void GSettingsHoldSource::update()
 {
     const bool holding = bool(g_settings_get_boolean(m_settings, m_key.constData())) == m_holdingValue;
-    if (holding == m_holding)
-        return;
-    m_holding = holding;
-    emit holdingChanged();
+    setHolding(holding);
 }

@@ -21,8 +21,7 @@ public:
     // Reads the key and follows it; false when the schema or key is not installed.
     bool start();
 
-    bool holding() const override { return m_holding; }
-    QString reason() const override { return m_holding ? m_reason : QString(); }
+    QString reason() const override { return holding() ? m_reason : QString(); }
 
 private:
     static void changed(_GSettings* settings, const char* key, void* self);
@@ -33,5 +32,4 @@ private:
     bool m_holdingValue;
     QString m_reason;
     _GSettings* m_settings = nullptr;
-    bool m_holding = false;
 };

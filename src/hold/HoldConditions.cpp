@@ -82,18 +82,17 @@ HoldConditions::HoldConditions(QList<HoldSource*> conditions, QObject* parent)
     for (HoldSource* condition : std::as_const(m_conditions)) {
         condition->setParent(this);
         connect(condition, &HoldSource::holdingChanged, this, [this] {
-            const bool holding = this->holding();
-            if (holding == m_holding && !holding)
-                return;
-            m_holding = holding;
-            // Also when the reason alone changed: the tooltip says it.
-            emit holdingChanged();
+            const bool now = anyHolds();
+            if (now != holding())
+                setHolding(now);
+            else if (now)
+                emit holdingChanged(); // the reason alone changed: the tooltip says it
         });
     }
-    m_holding = HoldConditions::holding();
+    setHolding(anyHolds());
 }
 
-bool HoldConditions::holding() const
+bool HoldConditions::anyHolds() const
 {
     for (const HoldSource* condition : m_conditions) {
         if (condition->holding())

@@ -20,10 +20,10 @@ public:
     // The conditions given, for tests and desktops of their own.
     explicit HoldConditions(QList<HoldSource*> conditions, QObject* parent = nullptr);
 
-    bool holding() const override;
     QString reason() const override;
 
 private:
+    bool anyHolds() const;
+
     QList<HoldSource*> m_conditions;
-    bool m_holding = false;
 };

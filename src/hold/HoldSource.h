@@ -11,10 +11,23 @@ class HoldSource : public QObject {
     Q_OBJECT
 public:
     using QObject::QObject;
-    virtual bool holding() const = 0;
+    virtual bool holding() const { return m_holding; }
     // Why a break waits, in words for the panel's tooltip; empty while not holding.
     virtual QString reason() const = 0;
 
 signals:
     void holdingChanged();
+
+protected:
+    // Keeps the state and tells of a change; the same value again tells nothing.
+    void setHolding(bool holding)
+    {
+        if (holding == m_holding)
+            return;
+        m_holding = holding;
+        emit holdingChanged();
+    }
+
+private:
+    bool m_holding = false;
 };
