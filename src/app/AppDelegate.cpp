@@ -6,8 +6,7 @@
 #include "cycle/BreakGate.h"
 #include "cycle/CycleControl.h"
 #include "cycle/SystemEventController.h"
-#include "history/HistoryRecorder.h"
-#include "history/HistoryStore.h"
+#include "history/History.h"
 #include "logging/Logger.h"
 #include "notifications/HeadsUpNotice.h"
 #include "notifications/HoldNotice.h"
@@ -24,8 +23,7 @@ namespace {
 // history file is closed by the quit path, never by a destructor after main() (the database
 // driver is gone by then).
 struct Observers {
-    HistoryStore* history = nullptr;
-    HistoryRecorder* recorder = nullptr;
+    History* history = nullptr;
 };
 
 Observers& observers()
@@ -46,10 +44,9 @@ void AppDelegate::applicationDidFinishLaunching()
     WindowController::install();
     Observers& parts = observers();
     if (!parts.history) {
-        parts.history = new HistoryStore;
-        SettingsWindow::setHistoryStore(parts.history);
         // Follows the cycle from its first work period on.
-        parts.recorder = new HistoryRecorder(*parts.history, AppState::events(), owner);
+        parts.history = new History(AppState::events());
+        SettingsWindow::setHistoryStore(&parts.history->store());
         new HeadsUpNotice(AppState::events(), owner);
         new HoldNotice(AppState::events(), owner);
     }
@@ -67,7 +64,6 @@ void AppDelegate::applicationWillTerminate()
 {
     CycleControl::stop();
     Observers& parts = observers();
-    delete std::exchange(parts.recorder, nullptr);
     SettingsWindow::setHistoryStore(nullptr);
     delete std::exchange(parts.history, nullptr);
 }

@@ -208,7 +208,7 @@ bool HistoryStore::record(const Event& event)
             // One statement is one transaction of its own.
             if (query.exec()) {
                 // A fault that comes back later is worth a line again.
-                m_told = false;
+                m_fault.forget();
                 return true;
             }
             error = query.lastError();
@@ -287,7 +287,7 @@ bool HistoryStore::forget()
         if (!QFile::remove(entries.next()))
             removed = false;
     }
-    m_told = false;
+    m_fault.forget();
     return removed;
 }
 
@@ -317,9 +317,6 @@ bool HistoryStore::moveAside()
 
 void HistoryStore::tellOnce(const QString& what)
 {
-    if (m_told)
-        return;
-    m_told = true;
-    logger().warning(QStringLiteral("the history of breaks cannot be written to ") + m_path +
-                     QStringLiteral(": ") + what + QStringLiteral("; Lulltide goes on without it"));
+    m_fault.warning(QStringLiteral("the history of breaks cannot be written to ") + m_path +
+                    QStringLiteral(": ") + what + QStringLiteral("; Lulltide goes on without it"));
 }

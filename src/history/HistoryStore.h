@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "logging/SaidOnce.h"
+
 #include <QDate>
 #include <QDateTime>
 #include <QList>
@@ -63,5 +65,5 @@ private:
     QString m_path;
     QString m_connection;
     bool m_open = false;
-    bool m_told = false;
+    SaidOnce m_fault;
 };

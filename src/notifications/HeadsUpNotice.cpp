@@ -52,10 +52,8 @@ HeadsUpNotice::HeadsUpNotice(CycleEvents& events, QObject* parent)
     connect(&events, &CycleEvents::headsUpDue, this, &HeadsUpNotice::show);
     connect(&events, &CycleEvents::headsUpWithdrawn, m_notice, &TrackedNotification::withdraw);
     connect(m_notice, &TrackedNotification::failed, this, [this](const QString& why) {
-        if (std::exchange(m_toldNoServer, true))
-            return;
-        logger().warning(QStringLiteral("no heads-up before breaks: the desktop shows no notifications (") +
-                         why + u')');
+        m_noServer.warning(QStringLiteral("no heads-up before breaks: the desktop shows no notifications (") +
+                           why + u')');
     });
     connect(m_notice, &TrackedNotification::actionInvoked, this, [](const QString& key) {
         if (key == startNowKey) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "logging/SaidOnce.h"
+
 #include <QObject>
 #include <QString>
 
@@ -26,5 +28,5 @@ private:
     void show(double secondsLeft, bool longBreak);
 
     TrackedNotification* m_notice;
-    bool m_toldNoServer = false;
+    SaidOnce m_noServer;
 };

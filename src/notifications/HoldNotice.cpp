@@ -17,12 +17,9 @@ HoldNotice::HoldNotice(CycleEvents& events, QObject* parent)
     connect(&events, &CycleEvents::held, this, &HoldNotice::show);
     connect(&events, &CycleEvents::holdReleased, m_notice, &TrackedNotification::withdraw);
     connect(&events, &CycleEvents::breakStarted, m_notice, &TrackedNotification::withdraw);
-    connect(m_notice, &TrackedNotification::failed, this, [](const QString& why) {
-        static bool told = false;
-        if (!std::exchange(told, true))
-            logger().warning(
-                QStringLiteral("a held break cannot be told: the desktop shows no notifications (") + why +
-                u')');
+    connect(m_notice, &TrackedNotification::failed, this, [this](const QString& why) {
+        m_noServer.warning(
+            QStringLiteral("a held break cannot be told: the desktop shows no notifications (") + why + u')');
     });
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "logging/SaidOnce.h"
+
 #include <QObject>
 
 class CycleEvents;
@@ -22,4 +24,5 @@ private:
     void show(const QString& reason);
 
     TrackedNotification* m_notice;
+    SaidOnce m_noServer;
 };

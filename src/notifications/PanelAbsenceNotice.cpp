@@ -7,6 +7,7 @@
 #include "cycle/TicktackController.h"
 #include "cycle/TicktackState.h"
 #include "logging/Logger.h"
+#include "logging/SaidOnce.h"
 #include "preferences/PrefState.h"
 #include "settings/SettingsWindow.h"
 
@@ -30,7 +31,7 @@ constexpr int graceMs = 10000;
 TrackedNotification* tracker = nullptr;
 QTimer* graceTimer = nullptr;
 bool sending = false;
-bool failureLogged = false;
+SaidOnce failure;
 
 // The clock time the running work countdown ends at; empty when none runs.
 QString nextBreakTime()
@@ -72,9 +73,7 @@ TrackedNotification& tracked()
     });
     QObject::connect(tracker, &TrackedNotification::failed, [](const QString& why) {
         sending = false;
-        if (std::exchange(failureLogged, true))
-            return;
-        logger().warning(QStringLiteral("no desktop notification can tell where Lulltide is: ") + why);
+        failure.warning(QStringLiteral("no desktop notification can tell where Lulltide is: ") + why);
     });
     QObject::connect(tracker, &TrackedNotification::actionInvoked, [](const QString& actionKey) {
         // A click on the notice itself asks for the same as its button.
