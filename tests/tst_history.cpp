@@ -8,6 +8,7 @@
 #include "cycle/AppState.h"
 #include "cycle/BreakGate.h"
 #include "cycle/CycleControl.h"
+#include "cycle/CycleEvents.h"
 #include "cycle/PromptState.h"
 #include "cycle/SystemEventActions.h"
 #include "cycle/TicktackController.h"
@@ -309,6 +310,29 @@ private slots:
         // Each release starts the ten seconds' wait; the holds after the first are the same one.
         QCOMPARE(kinds(events), QStringList({"work_started", "held", "hold_released cleared", "work_started",
                                              "work_started", "work_started", "work_started", "paused menu"}));
+    }
+
+    void theRecorderWritesWhatAnyCycleTellsIt()
+    {
+        // A cycle of the test's own, told by hand: the recorder needs nothing else.
+        CycleEvents cycle;
+        const QString file = QDir::homePath() + "/other-history.sqlite";
+        {
+            HistoryStore other(file);
+            HistoryRecorder recorder(other, cycle);
+            emit cycle.workStarted(1500);
+            emit cycle.breakStarted(PromptState::Kind::Long, 900);
+            emit cycle.postponed(300);
+            emit cycle.paused(CycleEvents::Origin::MiddleClick);
+            emit cycle.resumed(CycleEvents::Origin::Bus);
+            emit cycle.stopped();
+            QCOMPARE(kinds(other.read(QDate(2000, 1, 1), QDate(2100, 1, 1))),
+                     QStringList({"work_started", "break_started long", "break_ended long postponed",
+                                  "postponed", "paused middle_click", "resumed bus", "stopped"}));
+        }
+        // The program's own file heard none of it.
+        QCOMPARE(kinds(recorded()), QStringList());
+        QFile::remove(file);
     }
 
     void quittingEndsTheRunningPeriod()

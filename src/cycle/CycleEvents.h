@@ -16,6 +16,7 @@ public:
     // Where a pause or resume came from: the panel's menu (and its shortcut), a middle click on
     // the panel item, or the bus (the command line, scripts, desktop actions).
     enum class Origin { Menu, MiddleClick, Bus, Other };
+    Q_ENUM(Origin)
     static QString originName(Origin origin);
 
     using QObject::QObject;

@@ -17,6 +17,7 @@ class PromptState : public QObject {
 
 public:
     enum class Kind { Short, Long, NewDay };
+    Q_ENUM(Kind)
 
     // Starts with the user's short-break prompt.
     explicit PromptState(QObject* parent = nullptr);
