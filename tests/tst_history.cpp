@@ -20,6 +20,7 @@
 #include "preferences/SettingsStore.h"
 #include "statusbar/StatusBarController.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -30,6 +31,7 @@
 #include <QTemporaryDir>
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -744,6 +746,83 @@ private slots:
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.standardOutput.split('\n').at(1),
                  "2026-11-16T08:25:00.000Z,2026-11-16,paused,,0.000,\"a \"\"b\"\", c [31m \"");
+    }
+
+    void historyCsvKeepsASpreadsheetFromRunningAFieldAsAFormula()
+    {
+        QTemporaryDir data;
+        writePlanted(data.filePath("lulltide/history.sqlite"),
+                     {plant("2026-11-16T09:25:00", "paused", {}, 0, "=HYPERLINK(\"http://x\")"),
+                      plant("2026-11-16T09:26:00", "paused", {}, 0, "+1"),
+                      plant("2026-11-16T09:27:00", "paused", {}, 0, "-2"),
+                      plant("2026-11-16T09:28:00", "paused", {}, 0, "@SUM(A1)"),
+                      plant("2026-11-16T09:29:00", "paused", {}, 0, "\tcmd"),
+                      plant("2026-11-16T09:30:00", "paused", {}, 0, "menu")});
+        const auto result = runCommandLine({"--history-csv"}, data.path());
+        QCOMPARE(result.exitCode, 0);
+        const QStringList lines = result.standardOutput.split('\n');
+        QCOMPARE(lines.at(1),
+                 "2026-11-16T08:25:00.000Z,2026-11-16,paused,,0.000,\"'=HYPERLINK(\"\"http://x\"\")\"");
+        QCOMPARE(lines.at(2).section(',', 5), "'+1");
+        QCOMPARE(lines.at(3).section(',', 5), "'-2");
+        QCOMPARE(lines.at(4).section(',', 5), "'@SUM(A1)");
+        QCOMPARE(lines.at(5).section(',', 5), "' cmd");
+        QCOMPARE(lines.at(6).section(',', 5), "menu");
+    }
+
+    void theHistoryIsReadableByItsOwnerOnly()
+    {
+        TicktackController::work(prefs().workTime());
+        QVERIFY(QFile::exists(path));
+        const auto mode = [](const QString& file) {
+            struct stat status {};
+            return ::stat(QFile::encodeName(file).constData(), &status) == 0 ? int(status.st_mode & 0777)
+                                                                             : -1;
+        };
+        QCOMPARE(mode(QFileInfo(path).absolutePath()), 0700);
+        QCOMPARE(mode(path), 0600);
+        QCOMPARE(mode(path + "-wal"), 0600);
+        QCOMPARE(mode(path + "-shm"), 0600);
+    }
+
+    void readingTheHistoryChangesNothingOfAFileLeftWithItsJournal()
+    {
+        QTemporaryDir data;
+        const QString file = data.filePath("lulltide/history.sqlite");
+        writePlanted(file, {plant("2026-11-16T09:25:00", "work_started", {}, 1500)});
+        // A writer that ended without closing (a crash, a power cut) leaves its journal behind,
+        // holding the newest rows.
+        QProcess writer;
+        writer.start("python3",
+                     {"-c",
+                      "import sqlite3, os, sys\n"
+                      "db = sqlite3.connect(sys.argv[1])\n"
+                      "db.execute('PRAGMA journal_mode=WAL')\n"
+                      "db.execute(\"INSERT INTO events (utc, local_date, kind, break_kind, seconds, "
+                      "detail) VALUES ('2026-11-16T09:30:00.000Z', '2026-11-16', 'paused', '', 0, "
+                      "'menu')\")\n"
+                      "db.commit()\n"
+                      "os._exit(0)\n",
+                      file});
+        QVERIFY(writer.waitForFinished(20000));
+        QCOMPARE(writer.exitCode(), 0);
+        QVERIFY(QFile::exists(file + "-wal"));
+        const auto snapshot = [&file] {
+            QStringList sums;
+            for (const QString& name : {file, file + "-wal"}) {
+                QFile f(name);
+                f.open(QIODevice::ReadOnly);
+                sums << QString::fromLatin1(
+                    QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha256).toHex());
+            }
+            return sums;
+        };
+        const QStringList before = snapshot();
+        const auto result = runCommandLine({"--history-csv"}, data.path());
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY2(result.standardOutput.contains("paused,,0.000,menu"), qPrintable(result.standardOutput));
+        QVERIFY(QFile::exists(file + "-wal"));
+        QCOMPARE(snapshot(), before);
     }
 
 private:

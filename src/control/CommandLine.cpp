@@ -260,6 +260,10 @@ int printHistory(int days)
 // them) become spaces.
 QString csvField(QString text)
 {
+    // A spreadsheet runs a cell that begins so as a formula: the apostrophe makes it text.
+    static const QString formulaStarts = QStringLiteral("=+-@\t\r");
+    if (!text.isEmpty() && formulaStarts.contains(text.front()))
+        text.prepend(u'\'');
     for (QChar& c : text) {
         if (c.category() == QChar::Other_Control)
             c = u' ';

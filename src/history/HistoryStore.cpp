@@ -13,6 +13,10 @@
 #include <QStandardPaths>
 #include <QUuid>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
 
 // SQLite's result codes, as Qt hands them on in QSqlError::nativeErrorCode().
@@ -96,12 +100,35 @@ HistoryStore::~HistoryStore()
     close();
 }
 
+void HistoryStore::makePrivate() const
+{
+    // When you were at your desk is yours alone: group and others lose every right on the folder,
+    // the file and its journal (0700 and 0600 as made here; SQLite gives the journal the file's
+    // mode). The owner's own rights are left as they are.
+    const auto keepOwnersOnly = [](const QString& path) {
+        struct stat status {};
+        if (::stat(QFile::encodeName(path).constData(), &status) == 0 && (status.st_mode & 077) != 0)
+            ::chmod(QFile::encodeName(path).constData(), status.st_mode & 07700);
+    };
+    const QString folder = QFileInfo(m_path).absolutePath();
+    QDir().mkpath(folder);
+    keepOwnersOnly(folder);
+    if (!QFileInfo::exists(m_path)) {
+        const int made =
+            ::open(QFile::encodeName(m_path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (made >= 0)
+            ::close(made);
+    }
+    for (const QString& suffix : {QString(), QStringLiteral("-wal"), QStringLiteral("-shm")})
+        keepOwnersOnly(m_path + suffix);
+}
+
 bool HistoryStore::open()
 {
     if (m_open)
         return true;
     for (int attempt = 0; attempt < 2; ++attempt) {
-        QDir().mkpath(QFileInfo(m_path).absolutePath());
+        makePrivate();
         {
             QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
             db.setDatabaseName(m_path);
@@ -236,7 +263,8 @@ QList<HistoryStore::Event> HistoryStore::read(const QDate& from, const QDate& to
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
         db.setDatabaseName(m_path);
-        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1000"));
+        // Truly read-only: nothing is checkpointed or deleted, also when Lulltide is not running.
+        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1000;QSQLITE_OPEN_READONLY"));
         QString why;
         if (db.open()) {
             QSqlQuery query(db);

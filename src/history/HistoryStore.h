@@ -54,6 +54,8 @@ public:
 private:
     enum class Schema { Ready, Unreadable, Failed };
 
+    // Makes the folder and the file, readable by their owner only.
+    void makePrivate() const;
     bool open();
     Schema createOrMigrate();
     void close();
