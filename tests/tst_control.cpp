@@ -6,6 +6,7 @@
 #include "cycle/AppState.h"
 #include "cycle/CycleControl.h"
 #include "cycle/TicktackController.h"
+#include "history/HistoryStore.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -17,6 +18,7 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <csignal>
 
 // Control from scripts: the real program on this test's own session bus, driven by the command
 // line (`lulltide --pause` and the rest) and read through its bus object, as a script or a
@@ -549,11 +551,37 @@ private slots:
         Instance instance;
         start(instance);
         QCOMPARE(lulltide({"--quit"}).exitCode, 0);
-        QVERIFY(instance.process.waitForFinished(5000));
+        QVERIFY(TestSupport::waitForEnd(instance.process, 30000));
         QCOMPARE(instance.process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(instance.process.exitCode(), 0);
         QTRY_VERIFY(!serviceOwned());
         QCOMPARE(lulltide({"--status"}).exitCode, 1);
+    }
+
+    void aLogoutClosesTheOpenBreakAndTheRunInTheHistory_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("SIGTERM (logout)") << int(SIGTERM);
+        QTest::newRow("SIGHUP (terminal closed)") << int(SIGHUP);
+        QTest::newRow("SIGINT (Control+C)") << int(SIGINT);
+    }
+    void aLogoutClosesTheOpenBreakAndTheRunInTheHistory()
+    {
+        QFETCH(int, signal);
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=300\n");
+        QTRY_VERIFY_WITH_TIMEOUT(lulltide({"--status"}).out.startsWith("break "), 20000);
+        QCOMPARE(::kill(pid_t(instance.process.processId()), signal), 0);
+        QVERIFY(TestSupport::waitForEnd(instance.process, 30000));
+        QCOMPARE(instance.process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(instance.process.exitCode(), 0);
+        const HistoryStore history(instance.home.path() + "/.local/share/lulltide/history.sqlite");
+        QStringList kinds;
+        for (const HistoryStore::Event& event : history.read(QDate(2000, 1, 1), QDate(2100, 1, 1)))
+            kinds << (event.kind + u' ' + event.detail).trimmed();
+        QVERIFY2(kinds.size() >= 3, qPrintable(kinds.join(", ")));
+        QCOMPARE(kinds.mid(kinds.size() - 2), QStringList({"break_ended quit", "stopped"}));
+        QVERIFY(instance.log().contains("Lulltide ends"));
     }
 
     void theBusObjectOffersItsPropertiesAndMethods()

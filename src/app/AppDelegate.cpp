@@ -10,6 +10,7 @@
 #include "logging/Logger.h"
 #include "notifications/HeadsUpNotice.h"
 #include "notifications/HoldNotice.h"
+#include "preferences/SettingsStore.h"
 #include "settings/SettingsWindow.h"
 #include "statusbar/StatusBarController.h"
 
@@ -63,6 +64,8 @@ void AppDelegate::applicationDidFinishLaunching()
 void AppDelegate::applicationWillTerminate()
 {
     CycleControl::stop();
+    // Written at every change already; a write the system still holds goes to the disk now.
+    SettingsStore::save();
     Observers& parts = observers();
     SettingsWindow::setHistoryStore(nullptr);
     delete std::exchange(parts.history, nullptr);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppDelegate.h"
 #include "Config.h"
+#include "TerminationSignals.h"
 #include "Translations.h"
 #include "appinfo/AppInfo.h"
 #include "control/CommandLine.h"
@@ -61,6 +62,10 @@ int main(int argc, char* argv[])
         QIcon::setThemeName(QStringLiteral("Adwaita"));
     // No main window: closing the settings window or a break window must not end the program.
     QApplication::setQuitOnLastWindowClosed(false);
+
+    // A logout ends the run the way --quit does.
+    TerminationSignals terminationSignals;
+    terminationSignals.install();
 
     AppDelegate delegate;
     QTimer::singleShot(0, &delegate, [&delegate, showSettings = outcome.showSettings] {

@@ -259,6 +259,20 @@ ChildResult runChild(const QByteArray& mode, const QProcessEnvironment& environm
     return result;
 }
 
+bool waitForEnd(QProcess& process, int ms)
+{
+    if (process.state() == QProcess::NotRunning || process.waitForFinished(ms))
+        return true;
+    QProcess gdb;
+    gdb.start(QStringLiteral("gdb"),
+              {QStringLiteral("-batch"), QStringLiteral("-p"), QString::number(process.processId()),
+               QStringLiteral("-ex"), QStringLiteral("thread apply all bt")});
+    gdb.waitForFinished(60000);
+    qWarning().noquote() << "the program did not end within" << ms << "ms; its threads:\n"
+                         << QString::fromLocal8Bit(gdb.readAllStandardOutput() + gdb.readAllStandardError());
+    return false;
+}
+
 const void* currentXlibErrorHandler()
 {
     const XErrorHandler handler = XSetErrorHandler(nullptr);

@@ -73,6 +73,10 @@ QStringList searchWindows(const QStringList& arguments,
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);
 
+// Waits up to `ms` for `process` to end. When it does not, its threads' stacks (gdb) go to the
+// test's output before false is returned: a hang is found where it happens.
+bool waitForEnd(QProcess& process, int ms);
+
 // The process's Xlib error handler, as an address to compare (Xlib's own headers stay out of
 // the tests, whose names they would clash with).
 const void* currentXlibErrorHandler();
