@@ -13,6 +13,7 @@
 #include "cycle/SystemEventActions.h"
 #include "cycle/TicktackController.h"
 #include "cycle/TicktackState.h"
+#include "history/HistoryModel.h"
 #include "history/HistoryRecorder.h"
 #include "history/HistoryStore.h"
 #include "history/HistorySummary.h"
@@ -617,6 +618,66 @@ private slots:
         QCOMPARE(days.at(0).longestStretchSeconds, 20 * 60);
         QCOMPARE(days.at(1).longestStretchSeconds, 25 * 60);
         QCOMPARE(days.at(1).taken, 1);
+    }
+
+    void aBreakAcrossMidnightBelongsToTheDayItBegan()
+    {
+        qputenv("TZ", "Europe/Berlin");
+        const QList<Event> events{plant("2026-11-16T23:33:00", "work_started", {}, 1500),
+                                  plant("2026-11-16T23:58:00", "break_started", "short", 300),
+                                  plant("2026-11-17T00:03:00", "break_ended", "short", 300, "full"),
+                                  plant("2026-11-17T00:03:00", "work_started", {}, 1500)};
+        const auto days = HistorySummary::days(events, QDate(2026, 11, 16), QDate(2026, 11, 17),
+                                               QDateTime(QDate(2026, 11, 17), QTime(0, 10)));
+        QCOMPARE(days.at(0).breaks, 1);
+        QCOMPARE(days.at(0).taken, 1);
+        QCOMPARE(days.at(1).breaks, 0);
+        QCOMPARE(days.at(1).taken, 0);
+        // Today alone: no break began today, so none was taken today.
+        const auto today = HistorySummary::days(events, QDate(2026, 11, 17), QDate(2026, 11, 17),
+                                                QDateTime(QDate(2026, 11, 17), QTime(0, 10)));
+        QCOMPARE(today.at(0).taken, 0);
+        QVERIFY(HistorySummary::sentence(today).contains("0 of 0 breaks"));
+    }
+
+    void theBarsOfADayAreTheBreaksTheSentenceCounts()
+    {
+        qputenv("TZ", "Europe/Berlin");
+        const QString today = QDate::currentDate().toString(Qt::ISODate);
+        // Three taken, one skipped, one cut short by a pause, and two postponements, one of a
+        // break on the screen that came back and was taken.
+        const QList<Event> events{
+            plant(today + "T09:00:00", "break_started", "short", 300),
+            plant(today + "T09:05:00", "break_ended", "short", 300, "full"),
+            plant(today + "T09:30:00", "break_started", "short", 300),
+            plant(today + "T09:35:00", "break_ended", "short", 300, "full"),
+            plant(today + "T10:00:00", "break_started", "short", 300),
+            plant(today + "T10:00:05", "break_ended", "short", 5, "skipped"),
+            plant(today + "T10:30:00", "postponed", {}, 300),
+            plant(today + "T11:00:00", "break_started", "short", 300),
+            plant(today + "T11:00:05", "break_ended", "short", 5, "postponed"),
+            plant(today + "T11:00:05", "postponed", {}, 300),
+            plant(today + "T11:05:05", "break_started", "short", 300),
+            plant(today + "T11:10:05", "break_ended", "short", 300, "full"),
+            plant(today + "T12:00:00", "break_started", "short", 300),
+            plant(today + "T12:01:00", "break_ended", "short", 60, "pause"),
+        };
+        const auto days = HistorySummary::days(events, QDate::currentDate(), QDate::currentDate(),
+                                               QDateTime::currentDateTime().addDays(1));
+        const HistorySummary::Day& day = days.at(0);
+        QCOMPARE(day.breaks, 5);
+        QCOMPARE(day.taken, 3);
+        QCOMPARE(day.skipped, 1);
+        QCOMPARE(day.cutShort(), 1);
+        QCOMPARE(day.postponed, 2);
+        QCOMPARE(day.taken + day.skipped + day.cutShort(), day.breaks);
+        QVERIFY(HistorySummary::sentence(days).contains("3 of 5 breaks taken"));
+        HistoryStore planted(QDir::homePath() + "/bars.sqlite");
+        for (const Event& event : events)
+            QVERIFY(planted.record(event));
+        const QVariantMap shown = HistoryModel(planted).load(1);
+        QCOMPARE(shown.value("maximum").toInt(), 5);
+        QCOMPARE(shown.value("cutShort").toList().constFirst().toInt(), 1);
     }
 
     void aDaylightSavingChangeCountsTheRealHours()

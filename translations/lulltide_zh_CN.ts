@@ -572,14 +572,6 @@
         <translation>跳过</translation>
     </message>
     <message>
-        <source>Postponed</source>
-        <translation>推迟</translation>
-    </message>
-    <message>
-        <source>First line: time at the screen; second: the longest stretch without a break.</source>
-        <translation>第一行：在屏幕前的时间；第二行：最长连续未休息时间。</translation>
-    </message>
-    <message>
         <source>Kept on this computer only, in %1.</source>
         <translation>仅保存在这台电脑上：%1。</translation>
     </message>
@@ -600,8 +592,16 @@
         <translation>指向某一天，查看当天在屏幕前的时间和最长连续未休息时间。</translation>
     </message>
     <message>
-        <source>%1: %2 at the screen; longest stretch without a break: %3.</source>
-        <translation>%1：在屏幕前 %2；最长连续未休息：%3。</translation>
+        <source>Cut short</source>
+        <translation>中途结束</translation>
+    </message>
+    <message>
+        <source>First line: time at the screen; second: the longest stretch without a break; third: breaks postponed.</source>
+        <translation>第一行：在屏幕前的时间；第二行：最长连续未休息时间；第三行：推迟的休息。</translation>
+    </message>
+    <message>
+        <source>%1: %2 at the screen; longest stretch without a break: %3; postponed: %4.</source>
+        <translation>%1：在屏幕前 %2；最长连续未休息：%3；推迟：%4。</translation>
     </message>
 </context>
 <context>

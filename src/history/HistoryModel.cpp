@@ -25,7 +25,7 @@ QVariantMap HistoryModel::load(int days) const
     QString error;
     const QList<HistorySummary::Day> summary = HistorySummary::lastDays(m_store, days, &error);
 
-    QVariantList labels, dates, taken, skipped, postponed, empty, screen, stretch;
+    QVariantList labels, dates, taken, skipped, cutShort, postponed, empty, screen, stretch;
     int maximum = 0;
     const QLocale locale;
     for (const HistorySummary::Day& day : summary) {
@@ -35,17 +35,20 @@ QVariantMap HistoryModel::load(int days) const
                              : dayOfMonth);
         taken << day.taken;
         skipped << day.skipped;
+        cutShort << day.cutShort();
         postponed << day.postponed;
         empty << day.empty;
         dates << locale.toString(day.date, QLocale::LongFormat);
         screen << (day.empty ? QStringLiteral("–") : HistorySummary::duration(day.screenSeconds));
         stretch << (day.empty ? QStringLiteral("–") : HistorySummary::duration(day.longestStretchSeconds));
-        maximum = std::max(maximum, day.taken + day.skipped + day.postponed);
+        // The bars stack the breaks; postponements stand apart.
+        maximum = std::max(maximum, day.breaks);
     }
     return {{QStringLiteral("labels"), labels},
             {QStringLiteral("dates"), dates},
             {QStringLiteral("taken"), taken},
             {QStringLiteral("skipped"), skipped},
+            {QStringLiteral("cutShort"), cutShort},
             {QStringLiteral("postponed"), postponed},
             {QStringLiteral("empty"), empty},
             {QStringLiteral("screen"), screen},

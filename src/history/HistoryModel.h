@@ -19,9 +19,9 @@ public:
 
     // For the last `days` days, oldest first: "labels" (weekday and date), "dates" (written out),
     // "taken", "skipped",
-    // "postponed" (numbers; 0 on an empty day), "empty" (booleans), "screen" and "stretch" (texts,
-    // "–" on an empty day), "maximum" (the highest bar), "sentence" (or why nothing could be read)
-    // and "path" (where the file is).
+    // "cutShort" (the stacked bars: their height is the day's breaks), "postponed" (apart) (numbers; 0 on an
+    // empty day), "empty" (booleans), "screen" and "stretch" (texts, "–" on an empty day), "maximum" (the
+    // highest bar), "sentence" (or why nothing could be read) and "path" (where the file is).
     Q_INVOKABLE QVariantMap load(int days) const;
 
     // Deletes the history file, after the person confirmed it.

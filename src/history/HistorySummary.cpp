@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QLocale>
 #include <algorithm>
+#include <utility>
 
 namespace HistorySummary {
 namespace {
@@ -62,6 +63,8 @@ QList<Day> days(const QList<HistoryStore::Event>& events, const QDate& from, con
     for (Day& day : result)
         counter.byDate.insert(day.date, &day);
 
+    // The day the break on the screen began on, which keeps it whenever it ends.
+    Day* breakDay = nullptr;
     QDateTime workingSince;
     // A period ends by itself when its countdown runs out; a record cut short (the computer
     // switched off, Lulltide killed) must not count the night as work. Unbounded while a break
@@ -89,13 +92,19 @@ QList<Day> days(const QList<HistoryStore::Event>& events, const QDate& from, con
             workingUntil = QDateTime();
         } else if (kind == QLatin1String("break_started")) {
             stopWorking(event.utc);
-            if (day && isRealBreak(event))
-                ++day->breaks;
+            breakDay = isRealBreak(event) ? day : nullptr;
+            if (breakDay)
+                ++breakDay->breaks;
         } else if (kind == QLatin1String("break_ended")) {
-            if (day && isRealBreak(event) && event.detail == QLatin1String("full"))
-                ++day->taken;
-            else if (day && isRealBreak(event) && event.detail == QLatin1String("skipped"))
-                ++day->skipped;
+            Day* began = std::exchange(breakDay, nullptr);
+            if (began && isRealBreak(event)) {
+                if (event.detail == QLatin1String("full"))
+                    ++began->taken;
+                else if (event.detail == QLatin1String("skipped"))
+                    ++began->skipped;
+                else if (event.detail == QLatin1String("postponed"))
+                    --began->breaks; // it comes again, and counts then
+            }
             if (event.detail == QLatin1String("full"))
                 counter.stretch = 0;
         } else if (kind == QLatin1String("postponed")) {

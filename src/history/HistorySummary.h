@@ -7,9 +7,10 @@
 #include <QList>
 #include <QString>
 
-// What the history says of each day: breaks taken in full, skipped and postponed, the time at
-// the screen, and the longest stretch without a break. Time is cut at local midnight and counted
-// in real seconds, so a day with a daylight-saving change is as long as it really was.
+// What the history says of each day: breaks taken in full, skipped or cut short, the
+// postponements (apart: a postponed break is not a break until it comes), the time at the
+// screen, and the longest stretch without a break. A break belongs to the day it began. Time is cut at local
+// midnight and counted in real seconds, so a day with a daylight-saving change is as long as it really was.
 namespace HistorySummary {
 
 struct Day {
@@ -20,6 +21,8 @@ struct Day {
     int taken = 0;
     int skipped = 0;
     int postponed = 0;
+    // Breaks ended otherwise (a pause, the lock, idleness, quitting) or still running.
+    int cutShort() const { return breaks - taken - skipped; }
     qint64 screenSeconds = 0;
     qint64 longestStretchSeconds = 0;
 };

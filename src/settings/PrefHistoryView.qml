@@ -18,6 +18,8 @@ Item {
     // The day the pointer is on in the month's chart, whose columns have no room for text.
     property int pointedDay: -1
     property var summary: historyModel.load(days)
+    // "⟳ 2" under a day with postponements, nothing under one without.
+    readonly property var postponedLine: summary.postponed.map(n => n > 0 ? "⟳ " + n : "")
 
     function reload() {
         summary = historyModel.load(days)
@@ -107,10 +109,10 @@ Item {
                     values: root.summary.skipped
                 }
                 BarSet {
-                    label: qsTr("Postponed")
-                    color: "#4A86C8"
+                    label: qsTr("Cut short")
+                    color: "#9AA5B1"
                     borderColor: color
-                    values: root.summary.postponed
+                    values: root.summary.cutShort
                 }
             }
         }
@@ -124,7 +126,9 @@ Item {
             spacing: 2
 
             Repeater {
-                model: root.days === 7 ? [root.summary.screen, root.summary.stretch] : [root.summary.labels]
+                // Postponements are no breaks: they stand under the bars, not in them.
+                model: root.days === 7 ? [root.summary.screen, root.summary.stretch, root.postponedLine]
+                                       : [root.summary.labels]
                 RowLayout {
                     id: line
                     required property var modelData
@@ -157,13 +161,15 @@ Item {
             textFormat: Text.PlainText
             wrapMode: Text.Wrap
             text: root.days === 7
-                  ? qsTr("First line: time at the screen; second: the longest stretch without a break.")
+                  ? qsTr("First line: time at the screen; second: the longest stretch without a break; "
+                         + "third: breaks postponed.")
                   : root.pointedDay < 0 || root.pointedDay >= root.summary.labels.length
                     ? qsTr("Point at a day for its time at the screen and its longest stretch without a break.")
-                    : qsTr("%1: %2 at the screen; longest stretch without a break: %3.")
+                    : qsTr("%1: %2 at the screen; longest stretch without a break: %3; postponed: %4.")
                       .arg(root.summary.dates[root.pointedDay])
                       .arg(root.summary.screen[root.pointedDay])
                       .arg(root.summary.stretch[root.pointedDay])
+                      .arg(root.summary.postponed[root.pointedDay])
         }
 
         Label {
