@@ -373,6 +373,25 @@ private slots:
         QVERIFY(!QFile::exists(path));
     }
 
+    void aHistoryFileDeletedWhileLulltideRunsIsSaidAndStartedAfresh()
+    {
+        TicktackController::work(prefs().workTime());
+        QVERIFY(QFile::exists(path));
+        // What a person cleaning their home folder does.
+        for (const QString& suffix : {"", "-wal", "-shm"})
+            QFile::remove(path + suffix);
+        const QString said = "was deleted or replaced while Lulltide ran: a new one begins";
+        const int before = TestSupport::logText().count(said);
+        TicktackController::work(prefs().workTime());
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(kinds(recorded()), QStringList{"work_started"});
+        QCOMPARE(TestSupport::logText().count(said), before + 1);
+        // Once: the new file is the open one now.
+        TicktackController::work(prefs().workTime());
+        QCOMPARE(kinds(recorded()), QStringList({"work_started", "work_started"}));
+        QCOMPARE(TestSupport::logText().count(said), before + 1);
+    }
+
     void forgetHistoryRemovesTheFile()
     {
         TicktackController::work(prefs().workTime());

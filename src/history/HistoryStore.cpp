@@ -142,8 +142,10 @@ bool HistoryStore::open()
             return false;
         }
         const Schema schema = createOrMigrate();
-        if (schema == Schema::Ready)
+        if (schema == Schema::Ready) {
+            m_openFile = fileIdOf(m_path);
             return true;
+        }
         close();
         if (schema != Schema::Unreadable || attempt > 0 || !moveAside())
             return false;
@@ -215,8 +217,23 @@ void HistoryStore::close()
     QSqlDatabase::removeDatabase(m_connection);
 }
 
+HistoryStore::FileId HistoryStore::fileIdOf(const QString& path)
+{
+    struct stat status {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return {};
+    return {quint64(status.st_dev), quint64(status.st_ino)};
+}
+
 bool HistoryStore::record(const Event& event)
 {
+    // A file deleted (or replaced) under us would swallow every later event into handles that
+    // name nothing: the path must still name the file that is open.
+    if (m_open && fileIdOf(m_path) != m_openFile) {
+        logger().warning(QStringLiteral("the history file ") + m_path +
+                         QStringLiteral(" was deleted or replaced while Lulltide ran: a new one begins"));
+        close();
+    }
     if (!open())
         return false;
     for (int attempt = 0; attempt < 2; ++attempt) {

@@ -64,7 +64,17 @@ private:
     bool moveAside();
     void tellOnce(const QString& what);
 
+    // The device and inode of a file, to tell it from another under the same path; zero when
+    // nothing is there.
+    struct FileId {
+        quint64 device = 0;
+        quint64 inode = 0;
+        bool operator==(const FileId&) const = default;
+    };
+    static FileId fileIdOf(const QString& path);
+
     QString m_path;
+    FileId m_openFile;
     QString m_connection;
     bool m_open = false;
     SaidOnce m_fault;
