@@ -573,16 +573,30 @@ private slots:
         QVERIFY(QFile::setPermissions(file, QFile::ReadOwner | QFile::ReadOther));
         QVERIFY(QFile::setPermissions(dir.path(), QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther |
                                                       QFile::ExeOther));
-        // Root may write anywhere: the record is tried as nobody then.
+        // Root may write anywhere: the record is tried as nobody then. Nobody may not reach this
+        // checkout (a private folder, as mktemp -d makes): the child runs from a copy it can reach,
+        // on the offscreen platform without the checkout's screen file.
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("LULLTIDE_TEST_HISTORY", file);
         QStringList wrapper;
-        if (::geteuid() == 0)
+        QString program = QCoreApplication::applicationFilePath();
+        QTemporaryDir reachable;
+        if (::geteuid() == 0) {
             wrapper = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", "--"};
+            QVERIFY(QFile::setPermissions(reachable.path(), QFile::ReadOwner | QFile::WriteOwner |
+                                                                QFile::ExeOwner | QFile::ReadOther |
+                                                                QFile::ExeOther));
+            program = reachable.filePath("tst_history");
+            QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), program));
+            QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther |
+                                                       QFile::ExeOther));
+            environment.insert("LULLTIDE_TEST_KEEP_PLATFORM", "1");
+            environment.insert("QT_QPA_PLATFORM", "offscreen");
+        }
         QProcess child;
         environment.insert("LULLTIDE_TEST_CHILD", "record");
         child.setProcessEnvironment(environment);
-        const QStringList command = wrapper + QStringList{QCoreApplication::applicationFilePath()};
+        const QStringList command = wrapper + QStringList{program};
         child.start(command.first(), command.mid(1));
         QVERIFY(child.waitForFinished(20000));
         const QString output = QString::fromUtf8(child.readAllStandardOutput()) +
