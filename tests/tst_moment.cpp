@@ -143,6 +143,7 @@ class MomentTest : public QObject {
         return found;
     }
     QList<StandInNotificationServer::Received> headsUps() const { return received(false); }
+    HeadsUpNotice* headsUpNotice = nullptr;
     QList<StandInNotificationServer::Received> heldNotices() const { return received(true); }
 
 private slots:
@@ -156,7 +157,7 @@ private slots:
         QCOMPARE(service->claim(), ControlService::Claim::Owned);
         StatusBarController::item();
         // The heads-up follows the cycle here as in the program.
-        new HeadsUpNotice(AppState::events(), this);
+        headsUpNotice = new HeadsUpNotice(AppState::events(), this);
         new HoldNotice(AppState::events(), this);
     }
 
@@ -323,6 +324,9 @@ private slots:
     void withoutANotificationServerTheHeadsUpIsLoggedOnceAndTheCycleGoesOn()
     {
         server->stop();
+        // A fresh heads-up: what an earlier one logged does not count here.
+        delete headsUpNotice;
+        headsUpNotice = new HeadsUpNotice(AppState::events(), this);
         prefs().setHeadsUp(true);
         prefs().setWorkTimeString("2");
         const QString warning = "no heads-up before breaks: the desktop shows no notifications";
@@ -333,8 +337,12 @@ private slots:
             QCOMPARE(visibleBreakWindows(), 2);
             prompt().skip();
         }
-        QTRY_COMPARE(TestSupport::logText().count(warning), before == 0 ? 1 : before);
+        // A server again: its first heads-up comes after the bus's answers to both rounds.
         QVERIFY(server->start());
+        while (AppState::workState().secondsLeft() > 60)
+            ticks->tick();
+        QTRY_COMPARE(headsUps().size(), 1);
+        QCOMPARE(TestSupport::logText().count(warning), before + 1);
     }
 
     // Postponing.
