@@ -25,8 +25,13 @@ namespace {
 
 const QString settingsAction = QStringLiteral("settings");
 // At login we may start a few seconds before the panel does; it gets that long to take the item
-// before we tell anyone that nothing shows it.
-constexpr int graceMs = 10000;
+// before we tell anyone that nothing shows it. LULLTIDE_PANEL_GRACE_MS shortens it for tests.
+int graceMs()
+{
+    bool ok = false;
+    const int given = qEnvironmentVariableIntValue("LULLTIDE_PANEL_GRACE_MS", &ok);
+    return ok && given >= 0 && given <= 60000 ? given : 10000;
+}
 
 TrackedNotification* tracker = nullptr;
 QTimer* graceTimer = nullptr;
@@ -122,7 +127,7 @@ void noStatusNotifierPanel(const QString& why)
     if (!graceTimer) {
         graceTimer = new QTimer(qApp);
         graceTimer->setSingleShot(true);
-        graceTimer->setInterval(graceMs);
+        graceTimer->setInterval(graceMs());
         QObject::connect(graceTimer, &QTimer::timeout, tell);
     }
     graceTimer->start();
