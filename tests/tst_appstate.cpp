@@ -73,7 +73,7 @@ private slots:
         QCOMPARE(AppState::workState().timeString(), "24:57");
         QCOMPARE(pauseItem()->title(), "- Wrok -");
         QCOMPARE(pauseItem()->image(), "play.circle");
-        QCOMPARE(pauseItem()->accessibleDescription(), "play.circle");
+        QCOMPARE(pauseItem()->accessibleDescription(), "Start the breaks again");
         QCOMPARE(pauseItem()->iconName(), "media-playback-start");
 
         AppState::setManualPause(false);

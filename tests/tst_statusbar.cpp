@@ -633,40 +633,40 @@ private slots:
                                       "Check for Updates...", "Feedback...", "About...", "Quit"}));
     }
 
-    void menuEntriesCarryIconsShortcutsAndSymbolNames_data()
+    void menuEntriesCarryIconsShortcutsAndWordsForScreenReaders_data()
     {
         QTest::addColumn<int>("id");
         QTest::addColumn<QString>("icon");
-        QTest::addColumn<QString>("symbol");
+        QTest::addColumn<QString>("description");
         QTest::addColumn<QString>("key");
         QTest::newRow("pause") << 3 << "media-playback-stop"
-                               << "stop.circle"
+                               << "Pause the breaks"
                                << "p";
         QTest::newRow("settings") << 4 << "preferences-system"
-                                  << "gearshape.circle"
+                                  << "Open the settings"
                                   << "comma";
         QTest::newRow("updates") << 6 << "system-software-update"
-                                 << "arrow.counterclockwise.icloud"
+                                 << "Look for a newer version"
                                  << "";
         QTest::newRow("feedback") << 7 << "mail-send"
-                                  << "mail.stack"
+                                  << "Write to the makers of Lulltide"
                                   << "";
         QTest::newRow("about") << 8 << "help-about"
-                               << "info.circle"
+                               << "About Lulltide"
                                << "";
         QTest::newRow("quit") << 9 << "application-exit"
-                              << "escape"
+                              << "Quit Lulltide"
                               << "q";
     }
-    void menuEntriesCarryIconsShortcutsAndSymbolNames()
+    void menuEntriesCarryIconsShortcutsAndWordsForScreenReaders()
     {
         QFETCH(int, id);
         QFETCH(QString, icon);
-        QFETCH(QString, symbol);
+        QFETCH(QString, description);
         QFETCH(QString, key);
         const QVariantMap properties = entry(id);
         QCOMPARE(properties.value("icon-name").toString(), icon);
-        QCOMPARE(properties.value("accessible-desc").toString(), symbol);
+        QCOMPARE(properties.value("accessible-desc").toString(), description);
         if (key.isEmpty()) {
             QVERIFY(!properties.contains("shortcut"));
         } else {
@@ -792,7 +792,7 @@ private slots:
         QCOMPARE(updated.at(0).id, 3);
         QCOMPARE(updated.at(0).properties.value("label").toString(), "- Wrok -");
         QCOMPARE(updated.at(0).properties.value("icon-name").toString(), "media-playback-start");
-        QCOMPARE(updated.at(0).properties.value("accessible-desc").toString(), "play.circle");
+        QCOMPARE(updated.at(0).properties.value("accessible-desc").toString(), "Start the breaks again");
         QCOMPARE(entry(3).value("label").toString(), "- Wrok -");
 
         click(3);

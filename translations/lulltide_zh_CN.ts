@@ -778,6 +778,38 @@
         <source>It comes at %1 at the latest.</source>
         <translation>最晚 %1 开始。</translation>
     </message>
+    <message>
+        <source>Pause the breaks</source>
+        <translation>暂停休息提醒</translation>
+    </message>
+    <message>
+        <source>Start the breaks again</source>
+        <translation>重新开始休息提醒</translation>
+    </message>
+    <message>
+        <source>Open the settings</source>
+        <translation>打开设置</translation>
+    </message>
+    <message>
+        <source>Look for a newer version</source>
+        <translation>查找新版本</translation>
+    </message>
+    <message>
+        <source>Write to the makers of Lulltide</source>
+        <translation>给 Lulltide 的作者写信</translation>
+    </message>
+    <message>
+        <source>About Lulltide</source>
+        <translation>关于 Lulltide</translation>
+    </message>
+    <message>
+        <source>Quit Lulltide</source>
+        <translation>退出 Lulltide</translation>
+    </message>
+    <message>
+        <source>Postpone the coming break</source>
+        <translation>推迟即将到来的休息</translation>
+    </message>
 </context>
 <context>
     <name>UpdateDialog</name>

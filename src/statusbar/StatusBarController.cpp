@@ -26,10 +26,16 @@ namespace {
 const QString muyuImage = QStringLiteral(":/icons/muyu.svg");
 constexpr int postponeItemTag = 9002;
 
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("StatusBarController", text);
+}
+
 StatusMenuItem* entry(const QString& title, const QString& image, const QString& key,
-                      std::function<void()> action)
+                      const QString& description, std::function<void()> action)
 {
     auto* item = new StatusMenuItem(title);
+    item->setAccessibleDescription(description);
     if (!image.isEmpty())
         item->setImage(image);
     item->setKeyEquivalent(key);
@@ -45,9 +51,11 @@ void updatePauseEntry(StatusMenu& statusMenu)
         return;
     if (AppState::working()) {
         item->setImage(QStringLiteral("stop.circle"));
+        item->setAccessibleDescription(tr("Pause the breaks"));
         item->setTitle(QCoreApplication::translate("AppState", "- Stop -"));
     } else {
         item->setImage(QStringLiteral("play.circle"));
+        item->setAccessibleDescription(tr("Start the breaks again"));
         // Spelled so on purpose: users know the entry by this text.
         item->setTitle(QCoreApplication::translate("AppState", "- Wrok -"));
     }
@@ -62,25 +70,27 @@ StatusMenu* buildMenu()
     // The middle click and the tray menu's shortcut come here too; the one toggle they share
     // also takes down a break screen, whose countdown a pause stops.
     auto* pause =
-        entry({}, {}, QStringLiteral("p"), [] { CycleControl::togglePause(CycleControl::Origin::Menu); });
+        entry({}, {}, QStringLiteral("p"), {}, [] { CycleControl::togglePause(CycleControl::Origin::Menu); });
     pause->setTag(AppState::pauseItemTag);
     menu->addItem(pause);
     updatePauseEntry(*menu);
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Settings..."),
-                        QStringLiteral("gearshape.circle"), QStringLiteral(","),
+                        QStringLiteral("gearshape.circle"), QStringLiteral(","), tr("Open the settings"),
                         [] { SettingsWindow::show(); }));
     menu->addItem(StatusMenuItem::separator());
 #if LULLTIDE_UPDATE_CHECKS
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Check for Updates..."),
-                        QStringLiteral("arrow.counterclockwise.icloud"), {},
+                        QStringLiteral("arrow.counterclockwise.icloud"), {}, tr("Look for a newer version"),
                         [] { SettingsWindow::showUpdater(); }));
 #endif
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Feedback..."),
-                        QStringLiteral("mail.stack"), {}, [] { Feedback::compose(); }));
+                        QStringLiteral("mail.stack"), {}, tr("Write to the makers of Lulltide"),
+                        [] { Feedback::compose(); }));
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "About..."),
-                        QStringLiteral("info.circle"), {}, [] { SettingsWindow::showAbout(); }));
+                        QStringLiteral("info.circle"), {}, tr("About Lulltide"),
+                        [] { SettingsWindow::showAbout(); }));
     menu->addItem(entry(QCoreApplication::translate("StatusBarController", "Quit"), QStringLiteral("escape"),
-                        QStringLiteral("q"), [] { QCoreApplication::quit(); }));
+                        QStringLiteral("q"), tr("Quit Lulltide"), [] { QCoreApplication::quit(); }));
     return menu;
 }
 
@@ -104,7 +114,6 @@ void countdownChanged(StatusItem& item)
 // counts: a frozen countdown would look like a broken one.
 void updateToolTip(StatusItem& item)
 {
-    const auto tr = [](const char* text) { return QCoreApplication::translate("StatusBarController", text); };
     const BreakGate& gate = AppState::breakGate();
     QString tip;
     if (AppState::manualPause()) {
@@ -148,7 +157,8 @@ void updatePostponeEntry()
     }
     if (!postpone) {
         postpone = entry(QCoreApplication::translate("StatusBarController", "Postpone Break"),
-                         QStringLiteral("clock.arrow.circlepath"), {}, [] { CycleControl::postpone(0); });
+                         QStringLiteral("clock.arrow.circlepath"), {}, tr("Postpone the coming break"),
+                         [] { CycleControl::postpone(0); });
         postpone->setTag(postponeItemTag);
         const qsizetype pauseIndex =
             statusMenu.items().indexOf(statusMenu.itemWithTag(AppState::pauseItemTag));

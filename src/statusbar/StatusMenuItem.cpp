@@ -24,6 +24,12 @@ void StatusMenuItem::setImage(const QString& symbolName)
     emit changed();
 }
 
+void StatusMenuItem::setAccessibleDescription(const QString& description)
+{
+    m_accessibleDescription = description;
+    emit changed();
+}
+
 void StatusMenuItem::setEnabled(bool enabled)
 {
     if (enabled == m_enabled)

@@ -24,7 +24,10 @@ public:
     QString image() const { return m_image; }
     void setImage(const QString& symbolName);
     QString iconName() const;
-    QString accessibleDescription() const { return m_image; }
+    // What the entry does, in words for a screen reader (the title alone may be a symbol or,
+    // as "- Wrok -", a word of the program's own).
+    QString accessibleDescription() const { return m_accessibleDescription; }
+    void setAccessibleDescription(const QString& description);
 
     // Pressed together with Control, e.g. "p".
     QString keyEquivalent() const { return m_keyEquivalent; }
@@ -49,6 +52,7 @@ private:
     QString m_title;
     QString m_image;
     QString m_keyEquivalent;
+    QString m_accessibleDescription;
     int m_tag = 0;
     bool m_separator = false;
     bool m_enabled = true;
