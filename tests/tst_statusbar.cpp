@@ -1193,12 +1193,46 @@ private slots:
         QCOMPARE(PanelHost::menuPosition(given, pointer, screens), menu);
     }
 
+    void mateNotificationAreaIsNamedWholeAndShowsTheLabelWithoutABadge()
+    {
+        QTemporaryDir tools;
+        // A watcher process named as MATE's notification area is; the kernel cuts that name to
+        // "notification-ar".
+        const QString applet = tools.filePath("notification-area-applet");
+        QVERIFY(QFile::link(QCoreApplication::applicationFilePath(), applet));
+        const auto panelBack = qScopeGuard([this] { watcher->start(); });
+        watcher->stop();
+        QProcess mate;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LULLTIDE_TEST_CHILD", "watcher");
+        mate.setProcessEnvironment(environment);
+        mate.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        mate.start(applet, {});
+        QVERIFY(mate.waitForStarted());
+        QByteArray output;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (output += mate.readAllStandardOutput()).contains("registered " + itemService().toUtf8()), 10000);
+        QFile comm(QStringLiteral("/proc/%1/comm").arg(mate.processId()));
+        QVERIFY(comm.open(QIODevice::ReadOnly));
+        QCOMPARE(comm.readAll().trimmed(), "notification-ar");
+        QCOMPARE(PanelHost::processName(quint32(mate.processId())), "notification-area-applet");
+        // The label alone: no badge drawn over the icon.
+        QTRY_COMPARE(property("IconName").toString(), "org.lulltide.Lulltide-muyu");
+        const QImage plain = BadgeIcon::draw(item().imagePath(), 16, {});
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(plain).bytes);
+        mate.terminate();
+        QVERIFY(mate.waitForFinished(5000));
+    }
+
     void knownLabelPanelsAreFewAndNamedByTheirWatcherProcess()
     {
         QVERIFY(PanelHost::drawsLabel("gnome-shell"));
         QVERIFY(PanelHost::drawsLabel("indicator-appli"));
         QVERIFY(PanelHost::drawsLabel("ayatana-indicat"));
         QVERIFY(PanelHost::drawsLabel("mate-panel"));
+        QVERIFY(PanelHost::drawsLabel("notification-area-applet"));
+        // What the kernel's short name of it says, too.
+        QVERIFY(PanelHost::drawsLabel("notification-ar"));
         QVERIFY(!PanelHost::drawsLabel("plasmashell"));
         QVERIFY(!PanelHost::drawsLabel("xfce4-panel"));
         QVERIFY(!PanelHost::drawsLabel("waybar"));

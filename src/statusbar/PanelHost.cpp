@@ -13,15 +13,17 @@ bool drawsLabel(const QString& processName)
     // tray, waybar, …) shows the icon only and gets the minutes as a badge.
     static const char* const labelHosts[] = {
         "gnome-shell",                           // GNOME's AppIndicator extension
-        "mate-panel",                            // MATE's own notification area
+        "mate-panel",                            // MATE's panel
+        "notification-area-applet",              // MATE's notification area, an applet of its own
         "indicator-application-service",         // Ubuntu/Unity, MATE and XFCE indicator applets
         "ayatana-indicator-application-service", // the Ayatana applets
     };
     if (processName.isEmpty())
         return false;
     for (const char* host : labelHosts) {
-        // The kernel cuts process names to 15 bytes.
-        if (QString::fromLatin1(host).left(15) == processName)
+        const QString name = QString::fromLatin1(host);
+        // The kernel's own name of a process is cut to 15 bytes.
+        if (name == processName || (processName.size() == 15 && name.left(15) == processName))
             return true;
     }
     return false;
@@ -29,6 +31,15 @@ bool drawsLabel(const QString& processName)
 
 QString processName(quint32 pid)
 {
+    // The program's name as it was started, whole: the kernel's short name ("notification-ar")
+    // would tell two panels apart by their first 15 bytes only.
+    QFile cmdline(QStringLiteral("/proc/%1/cmdline").arg(pid));
+    if (cmdline.open(QIODevice::ReadOnly)) {
+        const QByteArray first = cmdline.read(4096).split('\0').value(0);
+        const QString name = QString::fromLocal8Bit(first.mid(first.lastIndexOf('/') + 1)).trimmed();
+        if (!name.isEmpty())
+            return name;
+    }
     QFile comm(QStringLiteral("/proc/%1/comm").arg(pid));
     if (!comm.open(QIODevice::ReadOnly))
         return {};

@@ -11,10 +11,11 @@
 namespace PanelHost {
 
 // Whether the panel of this watcher process draws an item's XAyatanaLabel beside its icon.
-// `processName` is the name the kernel gives (/proc/PID/comm, at most 15 bytes).
+// `processName` is the program's name, or the kernel's name of it (cut to 15 bytes).
 bool drawsLabel(const QString& processName);
 
-// The kernel's name of a process; empty when it is gone or unreadable.
+// The name of a process's program as it was started (its first argument, without the folder),
+// else the kernel's short name; empty when it is gone or unreadable.
 QString processName(quint32 pid);
 
 // Where the menu opens when the panel asks for it at `given`, with the pointer at `pointer` and
