@@ -131,7 +131,7 @@ QString BreakGate::postpone(double seconds)
     PrefState& prefs = AppState::prefState();
     if (!(seconds > 0))
         seconds = prefs.postponeTime();
-    const QString refusal = postponeRefusal(seconds);
+    QString refusal = postponeRefusal(seconds);
     if (!refusal.isEmpty())
         return refusal;
 

@@ -36,7 +36,7 @@ QString processName(quint32 pid)
     QFile cmdline(QStringLiteral("/proc/%1/cmdline").arg(pid));
     if (cmdline.open(QIODevice::ReadOnly)) {
         const QByteArray first = cmdline.read(4096).split('\0').value(0);
-        const QString name = QString::fromLocal8Bit(first.mid(first.lastIndexOf('/') + 1)).trimmed();
+        QString name = QString::fromLocal8Bit(first.mid(first.lastIndexOf('/') + 1)).trimmed();
         if (!name.isEmpty())
             return name;
     }
