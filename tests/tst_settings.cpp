@@ -577,7 +577,8 @@ private slots:
                          QLocale().dayName(today.dayOfWeek()) + ").");
         QVERIFY(find("historyChart")->isVisible());
         QCOMPARE(find("historyDayLine")->property("text").toString(),
-                 "First line: time at the screen; second: the longest stretch without a break.");
+                 "First line: time at the screen; second: the longest stretch without a break; third: breaks "
+                 "postponed.");
 
         // A month: the same sentence over 30 days, and a day's times where the pointer is.
         click(find("thirtyDays"));
@@ -588,7 +589,7 @@ private slots:
         QVERIFY(find("historyView")->setProperty("pointedDay", 29)); // today, the last bar
         QCOMPARE(find("historyDayLine")->property("text").toString(),
                  QLocale().toString(today, QLocale::LongFormat) +
-                     ": 25 min at the screen; longest stretch without a break: 25 min.");
+                     ": 25 min at the screen; longest stretch without a break: 25 min; postponed: 0.");
         click(find("thirtyDays"));
         QTRY_VERIFY(find("historySentence")->property("text").toString().startsWith("This week:"));
     }
