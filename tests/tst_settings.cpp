@@ -123,14 +123,17 @@ class SettingsTest : public QObject {
     {
         QQuickItem* combo = find(name);
         click(combo); // opens the list
-        QTRY_VERIFY(combo->property("popup").value<QObject*>()->property("opened").toBool());
+        // The list opens with an animation, which a loaded machine draws slowly.
+        QTRY_VERIFY_WITH_TIMEOUT(combo->property("popup").value<QObject*>()->property("opened").toBool(),
+                                 30000);
         const int from = combo->property("highlightedIndex").toInt();
         for (int i = from; i < index; ++i)
             QTest::keyClick(window(), Qt::Key_Down);
         for (int i = from; i > index; --i)
             QTest::keyClick(window(), Qt::Key_Up);
         QTest::keyClick(window(), Qt::Key_Return);
-        QTRY_VERIFY(!combo->property("popup").value<QObject*>()->property("opened").toBool());
+        QTRY_VERIFY_WITH_TIMEOUT(!combo->property("popup").value<QObject*>()->property("opened").toBool(),
+                                 30000);
     }
 
     static QVariant stored(const char* key)
@@ -247,6 +250,7 @@ private slots:
 
     void promptsAreListedAsStored()
     {
+        openTab("styleTab");
         for (int style : {0, 1}) {
             prefs().styleState()->setBreakStyleRawValue(style);
             QTRY_COMPARE(listedPrompts(), prefs().styleState()->prompts());
