@@ -1307,15 +1307,16 @@ private slots:
                      qPrintable(interface));
         }
 
-        // The real one-second timer moves the label.
+        // The real one-second timer moves the label: within the first minute of the period (a
+        // loaded machine, or a sanitizer build, takes a few seconds to get here).
         const QString first = property("XAyatanaLabel", service).toString();
-        QVERIFY(first == "25:00" || first == "24:59");
-        QTRY_VERIFY_WITH_TIMEOUT(property("XAyatanaLabel", service).toString() < first, 3000);
+        QVERIFY2(first >= "24:00" && first <= "25:00", qPrintable(first));
+        QTRY_VERIFY_WITH_TIMEOUT(property("XAyatanaLabel", service).toString() < first, 15000);
 
         const QDBusMessage reply = call(service, menuPath, menuInterface, "Event",
                                         {9, QString("clicked"), QVariant::fromValue(QDBusVariant(0)), 0u});
         QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
-        QVERIFY(app.waitForFinished(5000));
+        QVERIFY(TestSupport::waitForEnd(app, 30000));
         QCOMPARE(app.exitStatus(), QProcess::NormalExit);
         QCOMPARE(app.exitCode(), 0);
     }
