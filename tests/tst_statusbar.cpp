@@ -156,6 +156,22 @@ class StatusBarTest : public QObject {
         return qdbus_cast<SniIconPixmapList>(property(QStringLiteral("IconPixmap")).value<QDBusArgument>());
     }
 
+    // Starts this test program as a panel's watcher under the name `program` (a link to it), and
+    // waits until it has taken our item.
+    void startWatcherChild(QProcess& child, const QString& program)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LULLTIDE_TEST_CHILD", "watcher");
+        child.setProcessEnvironment(environment);
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        child.start(program, {});
+        QVERIFY(child.waitForStarted());
+        QByteArray output;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (output += child.readAllStandardOutput()).contains("registered " + itemService().toUtf8()),
+            10000);
+    }
+
     DBusMenuLayoutItem layout()
     {
         const QDBusMessage reply = callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()});
@@ -1110,15 +1126,7 @@ private slots:
         const QString matePanel = tools.filePath("mate-panel");
         QVERIFY(QFile::link(QCoreApplication::applicationFilePath(), matePanel));
         QProcess mate;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("LULLTIDE_TEST_CHILD", "watcher");
-        mate.setProcessEnvironment(environment);
-        mate.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        mate.start(matePanel, {});
-        QVERIFY(mate.waitForStarted());
-        QByteArray output;
-        QTRY_VERIFY_WITH_TIMEOUT(
-            (output += mate.readAllStandardOutput()).contains("registered " + itemService().toUtf8()), 10000);
+        startWatcherChild(mate, matePanel);
         QCOMPARE(PanelHost::processName(quint32(mate.processId())), "mate-panel");
         QTRY_COMPARE(property("IconName").toString(), "org.lulltide.Lulltide-muyu");
         QCOMPARE(label(), "25:00");
@@ -1203,15 +1211,7 @@ private slots:
         const auto panelBack = qScopeGuard([this] { watcher->start(); });
         watcher->stop();
         QProcess mate;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("LULLTIDE_TEST_CHILD", "watcher");
-        mate.setProcessEnvironment(environment);
-        mate.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        mate.start(applet, {});
-        QVERIFY(mate.waitForStarted());
-        QByteArray output;
-        QTRY_VERIFY_WITH_TIMEOUT(
-            (output += mate.readAllStandardOutput()).contains("registered " + itemService().toUtf8()), 10000);
+        startWatcherChild(mate, applet);
         QFile comm(QStringLiteral("/proc/%1/comm").arg(mate.processId()));
         QVERIFY(comm.open(QIODevice::ReadOnly));
         QCOMPARE(comm.readAll().trimmed(), "notification-ar");

@@ -12,9 +12,6 @@
 #include "settings/SettingsWindow.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
-#include <QLocale>
-#include <QRegularExpression>
 #include <QSet>
 #include <QSystemTrayIcon>
 #include <QTimer>
