@@ -908,14 +908,14 @@ private slots:
 
     // The panel shows the state.
 
-    void pausedItemIsDimmedWithTheTooltipPaused()
+    void pausedTheItemSaysPausedInsteadOfAFrozenCountdown()
     {
-        QVERIFY(!item().dimmed());
+        QCOMPARE(item().pausedText(), QString());
         CycleControl::pause();
-        QVERIFY(item().dimmed());
+        QCOMPARE(item().pausedText(), "Paused");
         QCOMPARE(item().toolTip(), "Paused");
         CycleControl::resume();
-        QVERIFY(!item().dimmed());
+        QCOMPARE(item().pausedText(), QString());
         QCOMPARE(item().toolTip(), "25:00");
     }
 
@@ -924,9 +924,11 @@ private slots:
         AppState::setStopCause(AppState::StopCause::Idle);
         AppState::setWorking(false);
         QCOMPARE(item().toolTip(), "Stopped: no activity");
+        QCOMPARE(item().pausedText(), "Stopped");
         QCOMPARE(CycleControl::statusLine(CycleControl::status()), "stopped");
         AppState::setWorking(true);
         QCOMPARE(item().toolTip(), "25:00");
+        QCOMPARE(item().pausedText(), QString());
     }
 };
 

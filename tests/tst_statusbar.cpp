@@ -43,10 +43,12 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QLabel>
+#include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSettings>
+#include <QSvgRenderer>
 #include <QSystemTrayIcon>
 #include <QTemporaryDir>
 
@@ -332,7 +334,7 @@ private slots:
     {
         auto* tray = item().findChild<TrayIcon*>();
         QVERIFY(tray);
-        auto* menu = qobject_cast<StatusPopupMenu*>(tray->trayIcon()->contextMenu());
+        auto* menu = tray->menu();
         QVERIFY(menu);
         QStringList texts;
         for (QAction* action : menu->actions())
@@ -361,7 +363,7 @@ private slots:
 
     void trayMenuPauseEntryFollowsThePause()
     {
-        auto* menu = qobject_cast<StatusPopupMenu*>(item().findChild<TrayIcon*>()->trayIcon()->contextMenu());
+        auto* menu = item().findChild<TrayIcon*>()->menu();
         menu->actions().at(2)->trigger();
         QTRY_VERIFY(AppState::manualPause());
         QCOMPARE(menu->actions().at(2)->text(), "- Wrok -");
@@ -459,20 +461,110 @@ private slots:
         return qdbus_cast<SniToolTip>(property("ToolTip").value<QDBusArgument>());
     }
 
-    void pausedTheItemReadOverTheBusIsFadedAndItsTooltipSaysPaused()
+    void pausedTheBadgeShowsAPauseSignAndTheLabelSaysPaused()
     {
         restartWork();
         const QByteArray counting = pixmaps().first().bytes;
         CycleControl::pause();
         QTRY_COMPARE(toolTipOverTheBus().text, "Paused");
-        QCOMPARE(property("IconName").toString(), QString()); // the faded pixmaps, not the themed icon
-        // The frozen countdown stays as the badge (the label of panels that draw one stays too).
-        const QImage faded = BadgeIcon::draw(item().imagePath(), 16, "25", true);
-        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(faded).bytes);
+        // No frozen minutes: the sign in their place, the word in the label.
+        QCOMPARE(label(), "Paused");
+        QCOMPARE(property("IconName").toString(), QString());
+        const QImage sign = BadgeIcon::drawPaused(item().imagePath(), 16);
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(sign).bytes);
         QVERIFY(pixmaps().first().bytes != counting);
+        QCOMPARE(recorder->last("XAyatanaNewLabel").arguments().value(0).toString(), "Paused");
         restartWork();
         QTRY_COMPARE(toolTipOverTheBus().text, "25:00");
+        QCOMPARE(label(), "25:00");
         QCOMPARE(pixmaps().first().bytes, counting);
+    }
+
+    void stoppedByIdlenessTheBadgeShowsAPauseSignAndTheLabelSaysStopped()
+    {
+        restartWork();
+        AppState::setStopCause(AppState::StopCause::Idle);
+        AppState::setWorking(false);
+        QTRY_COMPARE(label(), "Stopped");
+        const QImage sign = BadgeIcon::drawPaused(item().imagePath(), 16);
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(sign).bytes);
+        restartWork();
+        QTRY_COMPARE(label(), "25:00");
+    }
+
+    void aPeriodCountingWhileTheCycleIsMarkedStoppedShowsItsCountdown()
+    {
+        // After a new day's greeting at an unlock the work period counts with the cycle still
+        // marked stopped: that is no standstill.
+        restartWork();
+        ticks->tick(5);
+        AppState::setStopCause(AppState::StopCause::Idle);
+        AppState::setWorking(false);
+        QTRY_COMPARE(label(), "Stopped");
+        TicktackController::work(1500);
+        QTRY_COMPARE(label(), "25:00");
+        const QImage badged = BadgeIcon::draw(item().imagePath(), 16, "25");
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(badged).bytes);
+        restartWork();
+    }
+
+    void pausedWithShowTimeOffTheIconAloneCarriesThePauseSign()
+    {
+        restartWork();
+        AppState::prefState().setShowTime(false);
+        const auto timeBack = qScopeGuard([] { AppState::prefState().setShowTime(true); });
+        CycleControl::pause();
+        QTRY_COMPARE(toolTipOverTheBus().text, "Paused");
+        QCOMPARE(label(), QString());
+        const QImage sign = BadgeIcon::drawPaused(item().imagePath(), 16);
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(sign).bytes);
+        restartWork();
+    }
+
+    void theIconStaysRecognisableUnderTheBadgeAtSixteenAndTwentyTwoPixels_data()
+    {
+        QTest::addColumn<int>("size");
+        QTest::addColumn<QString>("badge");
+        for (int size : {16, 22}) {
+            for (const char* badge : {"24", "88", "+3", "2h", "pause"})
+                QTest::addRow("%d px, %s", size, badge) << size << QString::fromLatin1(badge);
+        }
+    }
+    void theIconStaysRecognisableUnderTheBadgeAtSixteenAndTwentyTwoPixels()
+    {
+        QFETCH(int, size);
+        QFETCH(QString, badge);
+        const QString svg = item().imagePath();
+        const QImage badged = badge == "pause" ? BadgeIcon::drawPaused(svg, size) : BadgeIcon::draw(svg, size, badge);
+        // The wooden fish drawn alone where the badged icon puts it: at least 10 px wide, and
+        // at least 80 % of its visible pixels are untouched by the badge.
+        const QRect area = BadgeIcon::imageArea(size);
+        QVERIFY2(area.width() >= 10, qPrintable(QString::number(area.width())));
+        QImage alone(size, size, QImage::Format_ARGB32_Premultiplied);
+        alone.fill(Qt::transparent);
+        QPainter painter(&alone);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QSvgRenderer(svg).render(&painter, QRectF(area));
+        painter.end();
+        int visible = 0;
+        int untouched = 0;
+        for (int y = 0; y < size; ++y) {
+            for (int x = 0; x < size; ++x) {
+                if (qAlpha(alone.pixel(x, y)) < 128)
+                    continue;
+                ++visible;
+                untouched += alone.pixel(x, y) == badged.pixel(x, y);
+            }
+        }
+        QVERIFY(visible > 0);
+        QVERIFY2(untouched * 100 >= visible * 80,
+                 qPrintable(QStringLiteral("%1 of %2 pixels of the image left").arg(untouched).arg(visible)));
+    }
+
+    void theBadgeDrawsNoImageWhenItHasNone()
+    {
+        QVERIFY(BadgeIcon::draw(QStringLiteral("/nonexistent.svg"), 16, "24").isNull());
+        QVERIFY(BadgeIcon::drawPaused(QStringLiteral("/nonexistent.svg"), 16).isNull());
     }
 
     void heldTheItemReadOverTheBusShowsTheWaitAndWhy()
@@ -1157,8 +1249,8 @@ private slots:
         QTRY_VERIFY((popup = qobject_cast<StatusPopupMenu*>(QApplication::activePopupWidget())));
         QTRY_VERIFY(popup->isVisible());
         QCOMPARE(popup->geometry().left(), pointer.x());
-        // Above or below the point, as the room on the screen allows, touching it.
-        QVERIFY(popup->geometry().adjusted(-1, -1, 1, 1).contains(pointer));
+        // Above the panel, which reaches at least as far above the point as below it, and a row.
+        QCOMPARE(popup->geometry().bottom(), 799 - (2 * (799 - pointer.y()) + 2));
         popup->close();
 
         // A panel that gives a point of the screen's edge near the pointer gets the menu there.
@@ -1167,9 +1259,72 @@ private slots:
         QTRY_VERIFY((popup = qobject_cast<StatusPopupMenu*>(QApplication::activePopupWidget())));
         QTRY_VERIFY(popup->isVisible());
         QCOMPARE(popup->geometry().left(), edge.x());
-        // Above or below the point, as the room on the screen allows, touching it.
-        QVERIFY(popup->geometry().adjusted(-1, -1, 1, 1).contains(edge));
+        QCOMPARE(popup->geometry().bottom(), 799 - (2 * (799 - edge.y()) + 2));
         popup->close();
+    }
+
+    void kdesClickPointOpensTheMenuAbovePlasmasPanelWithoutCoveringIt()
+    {
+        // Plasma's default panel is 44 px high along the bottom; it gives the middle of the item.
+        const QPoint click(1063, 778);
+        QCursor::setPos(click);
+        QTRY_COMPARE(QCursor::pos(), click);
+        QCOMPARE(callItem("ContextMenu", {click.x(), click.y()}).type(), QDBusMessage::ReplyMessage);
+        StatusPopupMenu* popup = nullptr;
+        QTRY_VERIFY((popup = qobject_cast<StatusPopupMenu*>(QApplication::activePopupWidget())));
+        QTRY_VERIFY(popup->isVisible());
+        const QRect panel(0, 800 - 44, 1280, 44);
+        QVERIFY2(!popup->geometry().intersects(panel), qPrintable(QStringLiteral("menu at %1,%2 %3x%4")
+                                                                       .arg(popup->geometry().x())
+                                                                       .arg(popup->geometry().y())
+                                                                       .arg(popup->width())
+                                                                       .arg(popup->height())));
+        QVERIFY(popup->geometry().bottom() >= panel.top() - 2); // beside it, not far off
+        QVERIFY(QRect(0, 0, 1280, 800).contains(popup->geometry()));
+        popup->close();
+    }
+
+    void aMenuNearAScreenEdgeOpensAwayFromItBesideThePanel_data()
+    {
+        QTest::addColumn<QPoint>("point");
+        QTest::addColumn<QRect>("available");
+        QTest::addColumn<QPoint>("topLeft");
+        const QRect screen(0, 0, 1280, 800);
+        const QSize menu(200, 300);
+        // Panels that reserve their strip: the menu opens where the free area begins.
+        QTest::newRow("bottom panel, reserved") << QPoint(1063, 790) << QRect(0, 0, 1280, 756)
+                                                << QPoint(1063, 756 - menu.height());
+        QTest::newRow("top panel, reserved") << QPoint(300, 5) << QRect(0, 32, 1280, 768) << QPoint(300, 32);
+        QTest::newRow("left panel, reserved") << QPoint(10, 400) << QRect(48, 0, 1232, 800) << QPoint(48, 400);
+        QTest::newRow("right panel, reserved")
+            << QPoint(1270, 400) << QRect(0, 0, 1232, 800) << QPoint(1232 - menu.width(), 400);
+        // The item at the end of a reserved bottom panel, in the corner: still the bottom panel.
+        QTest::newRow("bottom right corner, reserved")
+            << QPoint(1278, 790) << QRect(0, 0, 1280, 756) << QPoint(1280 - menu.width(), 756 - menu.height());
+        // Nothing reserved: the panel reaches as far again as the point lies from the edge, and a row.
+        QTest::newRow("bottom panel, KDE's point") << QPoint(1063, 778) << screen
+                                                   << QPoint(1063, 800 - 44 - menu.height());
+        QTest::newRow("top panel") << QPoint(300, 12) << screen << QPoint(300, 26);
+        QTest::newRow("right panel") << QPoint(1260, 400) << screen << QPoint(1280 - 40 - menu.width(), 400);
+        QTest::newRow("bottom left corner") << QPoint(3, 790) << screen << QPoint(3, 800 - 20 - menu.height());
+        QTest::newRow("mid-screen, as given") << QPoint(600, 300) << screen << QPoint(600, 300);
+        QTest::newRow("mid-screen near the bottom, kept on the screen")
+            << QPoint(1200, 600) << screen << QPoint(1280 - menu.width(), 800 - menu.height());
+        QTest::newRow("no free area known") << QPoint(1063, 778) << QRect() << QPoint(1063, 800 - 44 - menu.height());
+    }
+    void aMenuNearAScreenEdgeOpensAwayFromItBesideThePanel()
+    {
+        QFETCH(QPoint, point);
+        QFETCH(QRect, available);
+        QFETCH(QPoint, topLeft);
+        QCOMPARE(PanelHost::menuTopLeft(point, QSize(200, 300), QRect(0, 0, 1280, 800), available), topLeft);
+    }
+
+    void onTheSecondScreenTheMenuStaysOnItAbovePanel()
+    {
+        const QRect second(1280, 0, 1920, 1080);
+        QCOMPARE(PanelHost::menuTopLeft(QPoint(3190, 1070), QSize(200, 300), second, second),
+                 QPoint(3200 - 200, 1080 - 20 - 300));
     }
 
     void theMenuOpensAtThePanelsPointOnlyWhenItIsOnAScreenEdgeNearThePointer_data()
@@ -1222,6 +1377,35 @@ private slots:
         QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(plain).bytes);
         mate.terminate();
         QVERIFY(mate.waitForFinished(5000));
+    }
+
+    void onALabelPanelPausedTheLabelSaysPausedBesideThePlainIcon()
+    {
+        restartWork();
+        QTemporaryDir tools;
+        const QString shell = tools.filePath("gnome-shell");
+        QVERIFY(QFile::link(QCoreApplication::applicationFilePath(), shell));
+        const auto panelBack = qScopeGuard([this] { watcher->start(); });
+        watcher->stop();
+        QProcess gnomeShell;
+        startWatcherChild(gnomeShell, shell);
+        QTRY_COMPARE(property("IconName").toString(), "org.lulltide.Lulltide-muyu");
+        CycleControl::pause();
+        QTRY_COMPARE(label(), "Paused");
+        // The label says it; the icon keeps its colours and no badge beside the word.
+        QCOMPARE(property("IconName").toString(), "org.lulltide.Lulltide-muyu");
+        const QImage plain = BadgeIcon::draw(item().imagePath(), 16, {});
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(plain).bytes);
+        // Without the label the icon says it.
+        AppState::prefState().setShowTime(false);
+        QTRY_COMPARE(property("IconName").toString(), QString());
+        const QImage sign = BadgeIcon::drawPaused(item().imagePath(), 16);
+        QCOMPARE(pixmaps().first().bytes, SniIconPixmap::fromImage(sign).bytes);
+        AppState::prefState().setShowTime(true);
+        restartWork();
+        QTRY_COMPARE(label(), "25:00");
+        gnomeShell.terminate();
+        QVERIFY(gnomeShell.waitForFinished(5000));
     }
 
     void knownLabelPanelsAreFewAndNamedByTheirWatcherProcess()

@@ -59,6 +59,8 @@ void stop()
 void ticktack(double seconds, TicktackState& state)
 {
     auto remaining = std::make_shared<double>(seconds);
+    // Counting from here on: observers of the first figure see a countdown that runs.
+    running = true;
     state.setTimesUp(false);
     state.setCountdown(seconds, *remaining);
     state.setTimeString(format(*remaining));
@@ -66,7 +68,6 @@ void ticktack(double seconds, TicktackState& state)
 
     TicktackState* target = &state;
     tickSource().stop();
-    running = true;
     tickSource().start([remaining, seconds, target] {
         *remaining -= 1.0;
         target->setCountdown(seconds, *remaining);

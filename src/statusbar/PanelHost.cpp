@@ -3,6 +3,9 @@
 
 #include <QFile>
 
+#include <QSize>
+
+#include <algorithm>
 #include <cstdlib>
 
 namespace PanelHost {
@@ -62,6 +65,57 @@ QPoint menuPosition(const QPoint& given, const QPoint& pointer, const QList<QRec
             onEdge = true;
     }
     return onEdge && nearPointer ? given : pointer;
+}
+
+QPoint menuTopLeft(const QPoint& point, const QSize& size, const QRect& geometry, const QRect& given)
+{
+    const QRect available = given.intersected(geometry).isEmpty() ? geometry : given.intersected(geometry);
+    constexpr int reach = 64; // a tall panel
+    const auto along = [](int start, int length, int low, int high) {
+        return std::max(low, std::min(start, high - length + 1));
+    };
+    const int x = along(point.x(), size.width(), geometry.left(), geometry.right());
+    const int y = along(point.y(), size.height(), geometry.top(), geometry.bottom());
+    const int toTop = point.y() - geometry.top();
+    const int toBottom = geometry.bottom() - point.y();
+    const int toLeft = point.x() - geometry.left();
+    const int toRight = geometry.right() - point.x();
+
+    // Which edge the panel is on: the strip the desktop keeps free of windows for it, where it
+    // says so; else the nearest edge, a horizontal panel in a corner, as most are.
+    enum class Edge { None, Top, Bottom, Left, Right } edge = Edge::None;
+    if (point.y() > available.bottom())
+        edge = Edge::Bottom;
+    else if (point.y() < available.top())
+        edge = Edge::Top;
+    else if (point.x() < available.left())
+        edge = Edge::Left;
+    else if (point.x() > available.right())
+        edge = Edge::Right;
+    else if (std::min(toTop, toBottom) < reach)
+        edge = toBottom <= toTop ? Edge::Bottom : Edge::Top;
+    else if (std::min(toLeft, toRight) < reach)
+        edge = toRight <= toLeft ? Edge::Right : Edge::Left;
+
+    // How far the panel reaches into the screen: to the free area where the desktop keeps one,
+    // and at least as far again as the point lies from the edge, and a row more: panels give
+    // the item's middle, which in a panel of an even height lies a row nearer the edge.
+    const auto thickness = [](int reserved, int distance) { return std::max(reserved, 2 * distance + 2); };
+    switch (edge) {
+    case Edge::Bottom:
+        return {x, geometry.bottom() + 1 - thickness(geometry.bottom() - available.bottom(), toBottom) -
+                       size.height()};
+    case Edge::Top:
+        return {x, geometry.top() + thickness(available.top() - geometry.top(), toTop)};
+    case Edge::Left:
+        return {geometry.left() + thickness(available.left() - geometry.left(), toLeft), y};
+    case Edge::Right:
+        return {geometry.right() + 1 - thickness(geometry.right() - available.right(), toRight) - size.width(),
+                y};
+    case Edge::None:
+        break;
+    }
+    return {x, y};
 }
 
 } // namespace PanelHost

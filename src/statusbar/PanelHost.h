@@ -22,4 +22,9 @@ QString processName(quint32 pid);
 // the screens at `screens`: `given` when it is believable, else the pointer.
 QPoint menuPosition(const QPoint& given, const QPoint& pointer, const QList<QRect>& screens);
 
+// The top left corner of a menu of `size` opened at `point` on a screen of `geometry` whose
+// panels leave `available` free. Near an edge, the panel's there: the menu opens beside it,
+// away from the edge, and covers none of it. Elsewhere it opens at the point.
+QPoint menuTopLeft(const QPoint& point, const QSize& size, const QRect& geometry, const QRect& available);
+
 } // namespace PanelHost

@@ -141,7 +141,14 @@ void updateToolTip(StatusItem& item)
         tip = currentTitle();
     }
     item.setToolTip(tip);
-    item.setDimmed(AppState::manualPause());
+    // Stopped, the countdown keeps its last figure; a period that counts while the cycle is
+    // marked stopped (a new day's greeting after an unlock) is no standstill.
+    if (AppState::manualPause())
+        item.setPausedText(tr("Paused"));
+    else if (!AppState::working() && !TicktackController::isRunning())
+        item.setPausedText(tr("Stopped"));
+    else
+        item.setPausedText({});
 }
 
 // The entry is in the menu only while postponing is on, right after the pause entry, so the

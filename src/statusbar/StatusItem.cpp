@@ -21,10 +21,10 @@ void StatusItem::setToolTip(const QString& toolTip)
     emit toolTipChanged();
 }
 
-void StatusItem::setDimmed(bool dimmed)
+void StatusItem::setPausedText(const QString& text)
 {
-    if (dimmed == m_dimmed)
+    if (text == m_pausedText)
         return;
-    m_dimmed = dimmed;
-    emit dimmedChanged();
+    m_pausedText = text;
+    emit pausedTextChanged();
 }

@@ -31,9 +31,10 @@ public:
     QString toolTip() const { return m_toolTip; }
     void setToolTip(const QString& toolTip);
 
-    // Drawn faded while the cycle is paused by hand.
-    bool dimmed() const { return m_dimmed; }
-    void setDimmed(bool dimmed);
+    // What the panel shows in place of a countdown that stands still: "Paused" when paused by
+    // hand, "Stopped" when the lock or idleness stopped it; empty while it counts.
+    QString pausedText() const { return m_pausedText; }
+    void setPausedText(const QString& text);
 
     StatusMenu* menu() const { return m_menu; }
     void setMenu(StatusMenu* menu) { m_menu = menu; }
@@ -42,12 +43,12 @@ signals:
     void titleChanged(const QString& title);
     void imagePathChanged();
     void toolTipChanged();
-    void dimmedChanged();
+    void pausedTextChanged();
 
 private:
     QString m_title;
     QString m_imagePath;
     QString m_toolTip;
-    bool m_dimmed = false;
+    QString m_pausedText;
     StatusMenu* m_menu = nullptr;
 };

@@ -2,17 +2,13 @@
 #include "StatusItemExporter.h"
 
 #include "DBusMenu.h"
-#include "PanelHost.h"
 #include "StatusItem.h"
 #include "StatusNotifierItem.h"
 #include "StatusPopupMenu.h"
 #include "TrayIcon.h"
 #include "notifications/PanelAbsenceNotice.h"
 
-#include <QCursor>
-#include <QGuiApplication>
 #include <QPointer>
-#include <QScreen>
 
 namespace StatusItemExporter {
 namespace {
@@ -33,14 +29,6 @@ void showTrayIcon(StatusItem& item, const QString& why)
         return;
     PanelAbsenceNotice::noStatusNotifierPanel(why);
     trayIcon = new TrayIcon(item, popupMenu(item), &item);
-}
-
-QPoint menuPosition(const QPoint& given)
-{
-    QList<QRect> screens;
-    for (const QScreen* screen : QGuiApplication::screens())
-        screens.append(screen->geometry());
-    return PanelHost::menuPosition(given, QCursor::pos(), screens);
 }
 
 } // namespace
@@ -65,7 +53,7 @@ void start(StatusItem& item)
         return;
     }
     QObject::connect(notifierItem, &StatusNotifierItem::menuRequested, &item,
-                     [&item](const QPoint& position) { popupMenu(item)->popup(menuPosition(position)); });
+                     [&item](const QPoint& position) { popupMenu(item)->openAt(position); });
     // A panel that comes later takes the item over from the tray icon, and gives it back when
     // it goes: the item is never nowhere.
     QObject::connect(notifierItem, &StatusNotifierItem::registered, &item, [] {

@@ -43,8 +43,8 @@ StatusNotifierItem::StatusNotifierItem(StatusItem& item, const QDBusConnection& 
 {
     StatusNotifierTypes::registerMetaTypes();
     connect(&m_item, &StatusItem::titleChanged, this, &StatusNotifierItem::titleChanged);
+    connect(&m_item, &StatusItem::pausedTextChanged, this, &StatusNotifierItem::titleChanged);
     connect(&m_item, &StatusItem::imagePathChanged, this, &StatusNotifierItem::updateIcon);
-    connect(&m_item, &StatusItem::dimmedChanged, this, &StatusNotifierItem::updateIcon);
     connect(&m_item, &StatusItem::toolTipChanged, this, [this] {
         if (m_item.toolTip() == m_toolTipText)
             return;
@@ -52,7 +52,7 @@ StatusNotifierItem::StatusNotifierItem(StatusItem& item, const QDBusConnection& 
         if (m_registered)
             emit NewToolTip();
     });
-    m_label = m_item.title();
+    m_label = labelText();
     m_toolTipText = m_item.toolTip();
     updateIcon();
 }
@@ -168,23 +168,33 @@ void StatusNotifierItem::registerWith(const QString& owner)
 void StatusNotifierItem::titleChanged()
 {
     updateIcon();
-    if (m_item.title() == m_label)
+    if (labelText() == m_label)
         return;
-    m_label = m_item.title();
+    m_label = labelText();
     if (m_registered)
         emit XAyatanaNewLabel(m_label, labelGuide());
+}
+
+QString StatusNotifierItem::labelText() const
+{
+    // A countdown that stands still would pass for a frozen clock: the label says why instead.
+    const QString title = m_item.title();
+    return title.isEmpty() || m_item.pausedText().isEmpty() ? title : m_item.pausedText();
 }
 
 void StatusNotifierItem::updateIcon()
 {
     const QString svg = m_item.imagePath();
     const bool hasImage = !svg.isEmpty() && QFile::exists(svg);
-    // Panels that draw the label show the countdown there; the others get it as a badge.
-    const QString badge = hasImage && !m_hostDrawsLabel ? BadgeIcon::badgeText(m_item.title()) : QString();
-    const bool dimmed = hasImage && m_item.dimmed();
+    // Panels that draw the label show the countdown or the pause there; the others get the
+    // minutes as a badge and the pause as a sign. With no label, the sign goes on every panel.
+    const bool labelSaysAll = m_hostDrawsLabel && !labelText().isEmpty();
+    const bool paused = hasImage && !m_item.pausedText().isEmpty() && !labelSaysAll;
+    const QString badge = hasImage && !paused && !m_hostDrawsLabel ? BadgeIcon::badgeText(m_item.title())
+                                                                    : QString();
     const QString key = !hasImage ? QString()
-                                  : (badge.isEmpty() ? QStringLiteral("plain") : badge) +
-                                        (dimmed ? QStringLiteral("/dim") : QString());
+                        : paused  ? QStringLiteral("/paused")
+                                  : (badge.isEmpty() ? QStringLiteral("plain") : badge);
     if (key == m_iconKey && !(hasImage && m_iconPixmap.isEmpty()))
         return;
     m_iconKey = key;
@@ -192,13 +202,13 @@ void StatusNotifierItem::updateIcon()
     m_iconPixmap.clear();
     if (hasImage) {
         for (int size : iconSizes) {
-            const QImage image = BadgeIcon::draw(svg, size, badge, dimmed);
+            const QImage image = paused ? BadgeIcon::drawPaused(svg, size) : BadgeIcon::draw(svg, size, badge);
             if (!image.isNull())
                 m_iconPixmap.append(SniIconPixmap::fromImage(image));
         }
     }
-    // A host prefers the name when there is one, so the badged or faded icon goes without.
-    m_iconName = hasImage && badge.isEmpty() && !dimmed ? themeIconName() : QString();
+    // A host prefers the name when there is one, so the badged icon goes without.
+    m_iconName = hasImage && badge.isEmpty() && !paused ? themeIconName() : QString();
     if (m_registered)
         emit NewIcon();
 }

@@ -102,6 +102,8 @@ private:
     void registerWith(const QString& owner);
     void titleChanged();
     void updateIcon();
+    // The title, or the word for a countdown that stands still.
+    QString labelText() const;
 
     StatusItem& m_item;
     QDBusConnection m_connection;

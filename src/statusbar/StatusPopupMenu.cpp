@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "StatusPopupMenu.h"
 
+#include "PanelHost.h"
 #include "StatusMenu.h"
 #include "StatusMenuItem.h"
 
+#include <QCursor>
+#include <QGuiApplication>
 #include <QIcon>
+#include <QScreen>
 #include <QPointer>
 
 namespace {
@@ -28,6 +32,22 @@ StatusPopupMenu::StatusPopupMenu(StatusMenu& menu, QWidget* parent) : QMenu(pare
     setObjectName(QStringLiteral("statusPopupMenu"));
     connect(&m_menu, &StatusMenu::layoutChanged, this, &StatusPopupMenu::rebuild);
     rebuild();
+}
+
+void StatusPopupMenu::openAt(const QPoint& given)
+{
+    QList<QRect> screens;
+    for (const QScreen* screen : QGuiApplication::screens())
+        screens.append(screen->geometry());
+    const QPoint point = PanelHost::menuPosition(given, QCursor::pos(), screens);
+    const QScreen* screen = QGuiApplication::screenAt(point);
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    if (!screen) {
+        popup(point);
+        return;
+    }
+    popup(PanelHost::menuTopLeft(point, sizeHint(), screen->geometry(), screen->availableGeometry()));
 }
 
 void StatusPopupMenu::rebuild()

@@ -13,6 +13,10 @@ class StatusPopupMenu : public QMenu {
 public:
     explicit StatusPopupMenu(StatusMenu& menu, QWidget* parent = nullptr);
 
+    // Opens the menu for a click at `point` (a panel's word for it, or the pointer's place),
+    // beside the panel rather than over it.
+    void openAt(const QPoint& point);
+
 private:
     void rebuild();
 

@@ -5,6 +5,7 @@
 #include "Config.h"
 #include "StatusItem.h"
 #include "StatusPopupMenu.h"
+#include "cycle/CycleControl.h"
 
 #include <QCursor>
 #include <QIcon>
@@ -12,17 +13,19 @@
 #include <QSystemTrayIcon>
 
 TrayIcon::TrayIcon(StatusItem& item, StatusPopupMenu* menu, QObject* parent)
-    : QObject(parent), m_item(item), m_tray(new QSystemTrayIcon)
+    : QObject(parent), m_item(item), m_menu(menu), m_tray(new QSystemTrayIcon)
 {
     m_tray->setObjectName(QStringLiteral("trayIcon"));
-    m_tray->setContextMenu(menu);
-    // A left click opens the menu too: the item is a menu, as on every panel.
+    // Either click opens the menu, beside the panel as the item's menu on a panel does; the
+    // middle click pauses or resumes, as there.
     connect(m_tray, &QSystemTrayIcon::activated, menu, [menu](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger)
-            menu->popup(QCursor::pos());
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context)
+            menu->openAt(QCursor::pos());
+        else if (reason == QSystemTrayIcon::MiddleClick)
+            CycleControl::togglePause(CycleControl::Origin::MiddleClick);
     });
     connect(&m_item, &StatusItem::imagePathChanged, this, &TrayIcon::updateIcon);
-    connect(&m_item, &StatusItem::dimmedChanged, this, &TrayIcon::updateIcon);
+    connect(&m_item, &StatusItem::pausedTextChanged, this, &TrayIcon::updateIcon);
     connect(&m_item, &StatusItem::toolTipChanged, this, &TrayIcon::updateToolTip);
     updateIcon();
     updateToolTip();
@@ -38,7 +41,8 @@ void TrayIcon::updateIcon()
 {
     QIcon icon;
     for (int size : {16, 22, 24, 32, 48}) {
-        const QImage image = BadgeIcon::draw(m_item.imagePath(), size, {}, m_item.dimmed());
+        const QImage image = m_item.pausedText().isEmpty() ? BadgeIcon::draw(m_item.imagePath(), size, {})
+                                                            : BadgeIcon::drawPaused(m_item.imagePath(), size);
         if (!image.isNull())
             icon.addPixmap(QPixmap::fromImage(image));
     }

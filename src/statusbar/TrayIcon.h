@@ -17,11 +17,13 @@ public:
     ~TrayIcon() override;
 
     QSystemTrayIcon* trayIcon() const { return m_tray; }
+    StatusPopupMenu* menu() const { return m_menu; }
 
 private:
     void updateIcon();
     void updateToolTip();
 
     StatusItem& m_item;
+    StatusPopupMenu* m_menu = nullptr;
     QSystemTrayIcon* m_tray = nullptr;
 };
