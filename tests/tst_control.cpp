@@ -89,13 +89,17 @@ class ControlTest : public QObject {
         return QDBusConnection::sessionBus().interface()->isServiceRegistered("org.lulltide.Lulltide");
     }
 
-    void start(Instance& instance, const QByteArray& settings = {})
+    static void writeSettings(const Instance& instance, const QByteArray& settings)
     {
         QDir().mkpath(instance.home.path() + "/.config/lulltide");
         QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
         QVERIFY(conf.open(QIODevice::WriteOnly));
         conf.write("[General]\nauto_check_update=false\n" + settings);
-        conf.close();
+    }
+
+    void start(Instance& instance, const QByteArray& settings = {})
+    {
+        writeSettings(instance, settings);
         instance.process.setProcessEnvironment(environment(instance.home.path()));
         instance.process.start(LULLTIDE_BINARY, {});
         QVERIFY(instance.process.waitForStarted());
@@ -582,6 +586,40 @@ private slots:
         QVERIFY2(kinds.size() >= 3, qPrintable(kinds.join(", ")));
         QCOMPARE(kinds.mid(kinds.size() - 2), QStringList({"break_ended quit", "stopped"}));
         QVERIFY(instance.log().contains("Lulltide ends"));
+    }
+
+    void losingTheXServerClosesTheOpenBreakAndTheRunInTheHistory()
+    {
+        // An X server of this test's own, which goes away during a break.
+        QProcess server;
+        server.setProcessChannelMode(QProcess::SeparateChannels);
+        server.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"});
+        QVERIFY(server.waitForStarted());
+        QByteArray display;
+        QTRY_VERIFY_WITH_TIMEOUT((display += server.readAllStandardOutput()).contains('\n'), 20000);
+        const auto serverGone = qScopeGuard([&server] {
+            server.kill();
+            server.waitForFinished(5000);
+        });
+
+        Instance instance;
+        writeSettings(instance, "work_time=0.05\nbreak_time=300\n");
+        QProcessEnvironment env = environment(instance.home.path());
+        env.insert("DISPLAY", ":" + QString::fromLatin1(display.trimmed()));
+        instance.process.setProcessEnvironment(env);
+        instance.process.start(LULLTIDE_BINARY, {});
+        QVERIFY(instance.process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(lulltide({"--status"}).out.startsWith("break "), 20000);
+
+        server.terminate();
+        QVERIFY(TestSupport::waitForEnd(instance.process, 30000));
+        const HistoryStore history(instance.home.path() + "/.local/share/lulltide/history.sqlite");
+        QStringList kinds;
+        for (const HistoryStore::Event& event : history.read(QDate(2000, 1, 1), QDate(2100, 1, 1)))
+            kinds << (event.kind + u' ' + event.detail).trimmed();
+        QVERIFY2(kinds.size() >= 3, qPrintable(kinds.join(", ")));
+        QCOMPARE(kinds.mid(kinds.size() - 2), QStringList({"break_ended quit", "stopped"}));
+        QVERIFY(instance.log().contains("the display connection is gone: Lulltide ends"));
     }
 
     void theBusObjectOffersItsPropertiesAndMethods()

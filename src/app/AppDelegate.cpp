@@ -16,9 +16,22 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <cstdlib>
 #include <utility>
 
 namespace {
+
+AppDelegate* launchedDelegate = nullptr;
+
+// Qt and Xlib end the program with exit() from inside the event loop when the X server goes
+// away: the run is closed as a quit closes it (the windows went with the server).
+void endedOutsideTheEventLoop()
+{
+    if (AppDelegate* delegate = std::exchange(launchedDelegate, nullptr)) {
+        logger().warning(QStringLiteral("the display connection is gone: Lulltide ends"));
+        delegate->applicationWillTerminate();
+    }
+}
 
 // The parts that observe the cycle live as long as the run, whichever delegate made them; the
 // history file is closed by the quit path, never by a destructor after main() (the database
@@ -37,7 +50,11 @@ Observers& observers()
 
 AppDelegate::AppDelegate(QObject* parent) : QObject(parent) {}
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate()
+{
+    if (launchedDelegate == this)
+        launchedDelegate = nullptr;
+}
 
 void AppDelegate::applicationDidFinishLaunching()
 {
@@ -59,10 +76,18 @@ void AppDelegate::applicationDidFinishLaunching()
     StatusBarController::item();
     SystemEventController::setup();
     logger().info(QStringLiteral("sandbox home path: ") + QDir::homePath());
+    // Registered last: exit() runs it before taking down what was made up to here (the log, the
+    // history file, the settings), which it needs.
+    if (!launchedDelegate) {
+        launchedDelegate = this;
+        std::atexit(endedOutsideTheEventLoop);
+    }
 }
 
 void AppDelegate::applicationWillTerminate()
 {
+    if (launchedDelegate == this)
+        launchedDelegate = nullptr;
     CycleControl::stop();
     // Written at every change already; a write the system still holds goes to the disk now.
     SettingsStore::save();
