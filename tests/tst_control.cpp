@@ -89,6 +89,16 @@ class ControlTest : public QObject {
         return QDBusConnection::sessionBus().interface()->isServiceRegistered("org.lulltide.Lulltide");
     }
 
+    // Each event of the instance's history, as "kind detail".
+    static QStringList historyKinds(const Instance& instance)
+    {
+        const HistoryStore history(instance.home.path() + "/.local/share/lulltide/history.sqlite");
+        QStringList kinds;
+        for (const HistoryStore::Event& event : history.read(QDate(2000, 1, 1), QDate(2100, 1, 1)))
+            kinds << (event.kind + u' ' + event.detail).trimmed();
+        return kinds;
+    }
+
     static void writeSettings(const Instance& instance, const QByteArray& settings)
     {
         QDir().mkpath(instance.home.path() + "/.config/lulltide");
@@ -579,10 +589,7 @@ private slots:
         QVERIFY(TestSupport::waitForEnd(instance.process, 30000));
         QCOMPARE(instance.process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(instance.process.exitCode(), 0);
-        const HistoryStore history(instance.home.path() + "/.local/share/lulltide/history.sqlite");
-        QStringList kinds;
-        for (const HistoryStore::Event& event : history.read(QDate(2000, 1, 1), QDate(2100, 1, 1)))
-            kinds << (event.kind + u' ' + event.detail).trimmed();
+        const QStringList kinds = historyKinds(instance);
         QVERIFY2(kinds.size() >= 3, qPrintable(kinds.join(", ")));
         QCOMPARE(kinds.mid(kinds.size() - 2), QStringList({"break_ended quit", "stopped"}));
         QVERIFY(instance.log().contains("Lulltide ends"));
@@ -613,10 +620,7 @@ private slots:
 
         server.terminate();
         QVERIFY(TestSupport::waitForEnd(instance.process, 30000));
-        const HistoryStore history(instance.home.path() + "/.local/share/lulltide/history.sqlite");
-        QStringList kinds;
-        for (const HistoryStore::Event& event : history.read(QDate(2000, 1, 1), QDate(2100, 1, 1)))
-            kinds << (event.kind + u' ' + event.detail).trimmed();
+        const QStringList kinds = historyKinds(instance);
         QVERIFY2(kinds.size() >= 3, qPrintable(kinds.join(", ")));
         QCOMPARE(kinds.mid(kinds.size() - 2), QStringList({"break_ended quit", "stopped"}));
         QVERIFY(instance.log().contains("the display connection is gone: Lulltide ends"));
