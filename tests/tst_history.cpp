@@ -118,24 +118,6 @@ class HistoryTest : public QObject {
             ticks->tick();
     }
 
-    // The resident kilobytes of a library's code in this process.
-    static int mappedCodeKb(const QByteArray& library)
-    {
-        QFile maps("/proc/self/smaps");
-        if (!maps.open(QIODevice::ReadOnly))
-            return -1;
-        int kb = 0;
-        bool inCode = false;
-        for (const QByteArray& line : maps.readAll().split('\n')) {
-            const QList<QByteArray> fields = line.simplified().split(' ');
-            if (fields.size() >= 5 && fields.at(0).contains('-') && !line.endsWith(':'))
-                inCode = fields.value(1) == "r-xp" && fields.value(5).contains(library);
-            else if (inCode && fields.value(0) == "Rss:")
-                kb += fields.value(1).toInt();
-        }
-        return kb;
-    }
-
     static void writePlanted(const QString& file, const QList<Event>& events)
     {
         HistoryStore planted(file);
@@ -348,20 +330,6 @@ private slots:
                  QStringList({"work_started", "break_started short", "break_ended short quit", "stopped"}));
     }
 
-    void sqliteCodeIsNotKeptMappedBetweenEvents()
-    {
-        TicktackController::work(prefs().workTime());
-        QVERIFY(QFile::exists(path));
-        QVERIFY2(mappedCodeKb("libsqlite3.so") < 64,
-                 qPrintable(QString::number(mappedCodeKb("libsqlite3.so"))));
-        // Reading maps it back, as the next write will.
-        QCOMPARE(kinds(recorded()), QStringList{"work_started"});
-        QVERIFY(mappedCodeKb("libsqlite3.so") >= 64);
-        TicktackController::work(prefs().workTime());
-        QVERIFY(mappedCodeKb("libsqlite3.so") < 64);
-        QCOMPARE(kinds(recorded()), QStringList({"work_started", "work_started"}));
-    }
-
     void recordingOffWritesNothing()
     {
         prefs().setKeepHistory(false);
@@ -378,8 +346,8 @@ private slots:
         TicktackController::work(prefs().workTime());
         QVERIFY(QFile::exists(path));
         // What a person cleaning their home folder does.
-        for (const QString& suffix : {"", "-wal", "-shm"})
-            QFile::remove(path + suffix);
+        for (const char* suffix : {"", "-wal", "-shm"})
+            QFile::remove(path + QString::fromLatin1(suffix));
         const QString said = "was deleted or replaced while Lulltide ran: a new one begins";
         const int before = TestSupport::logText().count(said);
         TicktackController::work(prefs().workTime());

@@ -2,7 +2,6 @@
 #include "HistoryRecorder.h"
 
 #include "HistoryStore.h"
-#include "LibraryPages.h"
 #include "cycle/AppState.h"
 #include "cycle/BreakGate.h"
 #include "cycle/CycleEvents.h"
@@ -94,10 +93,6 @@ void HistoryRecorder::record(const QString& kind, double seconds, const QString&
     event.detail = detail;
     event.breakKind = breakKind;
     m_store.record(event);
-    // SQLite and its Qt driver wait for the next event, minutes away: their code need not stay
-    // mapped meanwhile.
-    LibraryPages::release({QByteArrayLiteral("libsqlite3.so"), QByteArrayLiteral("libQt6Sql.so"),
-                           QByteArrayLiteral("libqsqlite.so")});
 }
 
 void HistoryRecorder::workStarted(double seconds)
