@@ -16,6 +16,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <csignal>
@@ -624,6 +625,44 @@ private slots:
         QVERIFY2(kinds.size() >= 3, qPrintable(kinds.join(", ")));
         QCOMPARE(kinds.mid(kinds.size() - 2), QStringList({"break_ended quit", "stopped"}));
         QVERIFY(instance.log().contains("the display connection is gone: Lulltide ends"));
+    }
+
+    void aScreenReaderFindsTheSettingsWindowAndItsControls()
+    {
+        // The accessibility bus as a desktop session starts it, on this test's own session bus.
+        QProcess launcher;
+        launcher.start("/usr/libexec/at-spi-bus-launcher", {"--launch-immediately"});
+        QVERIFY(launcher.waitForStarted());
+        const auto launcherGone = qScopeGuard([&launcher] {
+            launcher.terminate();
+            launcher.waitForFinished(5000);
+        });
+        QTRY_VERIFY_WITH_TIMEOUT(
+            QDBusConnection::sessionBus().interface()->isServiceRegistered("org.a11y.Bus"), 10000);
+
+        Instance instance;
+        writeSettings(instance, {});
+        QProcessEnvironment env = environment(instance.home.path());
+        env.insert("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+        instance.process.setProcessEnvironment(env);
+        instance.process.start(LULLTIDE_BINARY, {"--settings"});
+        QVERIFY(instance.process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(showsTheSettingsWindow(instance), 20000);
+
+        const auto tree = [] {
+            QProcess walk;
+            walk.start("/usr/bin/python3", {TESTS_SOURCE_DIR "/support/atspi-tree.py", "Lulltide"});
+            walk.waitForFinished(30000);
+            return QString::fromUtf8(walk.readAllStandardOutput());
+        };
+        QString found;
+        QTRY_VERIFY2_WITH_TIMEOUT((found = tree()).contains("check box 'Launch at login'"), qPrintable(found),
+                                  20000);
+        QVERIFY2(found.contains("\n  frame 'Settings'"), qPrintable(found));
+        for (const char* tab : {"General", "Workflow", "Style", "Timing", "History", "About"})
+            QVERIFY2(found.contains(QStringLiteral("page tab '%1'").arg(QLatin1String(tab))), tab);
+        // One application, not one per application object the process made.
+        QCOMPARE(found.count(QRegularExpression("^application ", QRegularExpression::MultilineOption)), 1);
     }
 
     void theBusObjectOffersItsPropertiesAndMethods()

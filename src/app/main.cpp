@@ -28,8 +28,14 @@ int main(int argc, char* argv[])
 {
     // The command line first, with no GUI object: it must answer over ssh, from cron or a
     // typing error without a display, and most of its requests go to the running Lulltide.
-    CommandLine::Outcome outcome;
-    {
+    // A plain launch skips it: its QApplication must be the process's only application object,
+    // or screen readers see nothing of its windows.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    std::optional<CommandLine::Outcome> launch = CommandLine::plainLaunch(arguments);
+    CommandLine::Outcome outcome = launch.value_or(CommandLine::Outcome{});
+    if (!launch) {
         QCoreApplication commandLine(argc, argv);
         nameTheApplication();
         outcome = CommandLine::read();

@@ -312,6 +312,18 @@ struct ClientBus {
 
 } // namespace
 
+std::optional<Outcome> plainLaunch(const QStringList& arguments)
+{
+    const QStringList options = arguments.mid(1);
+    if (!displayAvailable())
+        return std::nullopt;
+    if (options.isEmpty())
+        return Outcome{};
+    if (options == QStringList{QStringLiteral("--settings")})
+        return Outcome{std::nullopt, true};
+    return std::nullopt;
+}
+
 Outcome read()
 {
     QCommandLineParser parser;

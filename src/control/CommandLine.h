@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QStringList>
 #include <optional>
 
 class QDBusConnection;
@@ -20,6 +21,11 @@ struct Outcome {
     // A launch that opens the settings window once Lulltide runs (--settings, nobody running).
     bool showSettings = false;
 };
+
+// A launch that needs no reading: no option but --settings, and a display to start on. Such a
+// run makes its QApplication first, with no QCoreApplication before it (an application object
+// made after an earlier one has ended is invisible to screen readers). Needs no application.
+std::optional<Outcome> plainLaunch(const QStringList& arguments);
 
 // Needs a QCoreApplication (for the translations) and nothing more. Answers --help, --version
 // and usage errors, sends a request to the running Lulltide and prints its answer, or finds
