@@ -604,7 +604,11 @@ private slots:
         server.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"});
         QVERIFY(server.waitForStarted());
         QByteArray display;
-        QTRY_VERIFY_WITH_TIMEOUT((display += server.readAllStandardOutput()).contains('\n'), 20000);
+        const auto displayTold = [&] {
+            display += server.readAllStandardOutput();
+            return display.contains('\n');
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(displayTold(), 20000);
         const auto serverGone = qScopeGuard([&server] {
             server.kill();
             server.waitForFinished(5000);
@@ -656,8 +660,11 @@ private slots:
             return QString::fromUtf8(walk.readAllStandardOutput());
         };
         QString found;
-        QTRY_VERIFY2_WITH_TIMEOUT((found = tree()).contains("check box 'Launch at login'"), qPrintable(found),
-                                  20000);
+        const auto controlsFound = [&] {
+            found = tree();
+            return found.contains("check box 'Launch at login'");
+        };
+        QTRY_VERIFY2_WITH_TIMEOUT(controlsFound(), qPrintable(found), 20000);
         QVERIFY2(found.contains("\n  frame 'Settings'"), qPrintable(found));
         for (const char* tab : {"General", "Workflow", "Style", "Timing", "History", "About"})
             QVERIFY2(found.contains(QStringLiteral("page tab '%1'").arg(QLatin1String(tab))), tab);

@@ -50,6 +50,13 @@ class FaultsTest : public QObject {
         QString settingsPath() const { return home.path() + "/.config/lulltide/lulltide.conf"; }
     };
 
+    // Adds what the instance printed since the last look to `seen`; whether `text` is there now.
+    static bool readUntil(QString& seen, Instance& instance, const QString& text)
+    {
+        seen += instance.output();
+        return seen.contains(text);
+    }
+
     static void writeSettings(Instance& instance, const QByteArray& contents)
     {
         QVERIFY(QDir().mkpath(instance.home.path() + "/.config/lulltide"));
@@ -117,7 +124,7 @@ class FaultsTest : public QObject {
                                 bool asNobody = false)
     {
         QString seen;
-        QTRY_VERIFY_WITH_TIMEOUT((seen += instance.output()).contains("sandbox home path: "), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(readUntil(seen, instance, "sandbox home path: "), 10000);
         QVERIFY2(seen.contains(firstPeriod), qPrintable(seen));
         verifyStillRunning(instance, asNobody);
     }
@@ -139,7 +146,7 @@ private slots:
         QVERIFY(QFile::link(logs + "/org.lulltide.Lulltide.loop", logs + "/org.lulltide.Lulltide.loop"));
         start(instance);
         QString seen;
-        QTRY_VERIFY_WITH_TIMEOUT((seen += instance.output()).contains("sandbox home path: "), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(readUntil(seen, instance, "sandbox home path: "), 10000);
         QVERIFY2(!seen.contains("create logger error"), qPrintable(seen));
         QVERIFY(seen.contains("ticktack timer start 1500.0"));
         QTRY_VERIFY(instance.log().contains("ticktack timer start 1500.0"));
@@ -157,7 +164,7 @@ private slots:
         QFile::setPermissions(locked, QFileDevice::Permissions());
         start(instance, LULLTIDE_BINARY, true);
         QString seen;
-        QTRY_VERIFY_WITH_TIMEOUT((seen += instance.output()).contains("sandbox home path: "), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(readUntil(seen, instance, "sandbox home path: "), 10000);
         QVERIFY2(seen.startsWith("create logger error: Permission denied: " + locked), qPrintable(seen));
         QVERIFY(seen.contains("ticktack timer start 1500.0"));
         verifyStillRunning(instance, true);
@@ -174,7 +181,7 @@ private slots:
                                          QFileDevice::ExeOther);
         start(instance, LULLTIDE_BINARY, true);
         QString seen;
-        QTRY_VERIFY_WITH_TIMEOUT((seen += instance.output()).contains("sandbox home path: "), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(readUntil(seen, instance, "sandbox home path: "), 10000);
         QVERIFY2(seen.startsWith("create logger error: Permission denied: " + cache + "/Logs/"),
                  qPrintable(seen));
         QVERIFY(seen.contains("ticktack timer start 1500.0"));
@@ -286,8 +293,11 @@ private slots:
             // next writer's first write waits that long.
             const int writes = 1 + int(random.bounded(20));
             int written = 0;
-            QTRY_VERIFY_WITH_TIMEOUT(
-                (written += int(writer.readAllStandardOutput().count("written\n"))) >= writes, 60000);
+            const auto enoughWritten = [&] {
+                written += int(writer.readAllStandardOutput().count("written\n"));
+                return written >= writes;
+            };
+            QTRY_VERIFY_WITH_TIMEOUT(enoughWritten(), 60000);
             ::kill(pid_t(writer.processId()), signal);
             QVERIFY(writer.waitForFinished(5000));
             QSettings settings(home.path() + "/.config/lulltide/lulltide.conf", QSettings::IniFormat);
