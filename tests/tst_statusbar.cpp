@@ -1184,16 +1184,7 @@ private slots:
         const QString shell = tools.filePath("gnome-shell");
         QVERIFY(QFile::link(QCoreApplication::applicationFilePath(), shell));
         QProcess gnomeShell;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("LULLTIDE_TEST_CHILD", "watcher");
-        gnomeShell.setProcessEnvironment(environment);
-        gnomeShell.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        gnomeShell.start(shell, {});
-        QVERIFY(gnomeShell.waitForStarted());
-        QByteArray output;
-        QTRY_VERIFY_WITH_TIMEOUT(
-            (output += gnomeShell.readAllStandardOutput()).contains("registered " + itemService().toUtf8()),
-            10000);
+        startWatcherChild(gnomeShell, shell);
         QCOMPARE(PanelHost::processName(quint32(gnomeShell.processId())), "gnome-shell");
         QTRY_COMPARE(property("IconName").toString(), "org.lulltide.Lulltide-muyu");
         QCOMPARE(label(), "25:00");
