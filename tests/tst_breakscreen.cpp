@@ -357,7 +357,8 @@ private slots:
         control("--resume");
         QCOMPARE(exitCode, 0);
         QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 10000);
-        QCOMPARE(windowsNamed("EXTRA1", false).size(), 1); // the same window, reused
+        // Only this break's window: the break screens of earlier breaks went with their processes.
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", false).size(), 1, 10000);
         QTRY_COMPARE_WITH_TIMEOUT(geometryOf(windowsNamed("EXTRA1", true).first()),
                                   QRect(1280, 0, 1920, 1080), 3000);
         QCOMPARE(breakScreenFaultsAfterWaiting(60000), QString());
@@ -478,8 +479,8 @@ private slots:
         const int first = messages.indexOf("ticktack timer start 3.0");
         QVERIFY(first >= 0);
         QCOMPARE(messages.mid(first, expected.size()), expected);
-        // The second monitor's view ends the break too; the last restart wins.
-        QCOMPARE(messages.count("skip break view"), 2);
+        // The break on both monitors ends as one: one work period of full length follows.
+        QCOMPARE(messages.count("skip break view"), 1);
     }
 
     void skipButtonClickEndsTheBreakOnBothMonitors()

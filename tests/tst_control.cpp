@@ -120,8 +120,7 @@ class ControlTest : public QObject {
     // The visible windows of the program, as the X server lists them.
     static QStringList visibleWindows(const Instance& instance)
     {
-        return TestSupport::searchWindows(
-            {"--onlyvisible", "--pid", QString::number(instance.process.processId())});
+        return TestSupport::visibleWindowsOf(instance.process.processId());
     }
 
     static QString windowName(const QString& window)
@@ -539,7 +538,7 @@ private slots:
         QCOMPARE(ran.err, "This break cannot be skipped: long breaks are forced.\n");
         QCOMPARE(ran.exitCode, 1);
         QVERIFY(status().startsWith("break "));
-        QVERIFY(!visibleWindows(instance).isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 5000);
         QVERIFY(!instance.log().contains("skip break view"));
         // Over the bus the refusal has a name of its own, for scripts in any language.
         QDBusMessage call = QDBusMessage::createMethodCall(service, path, "org.lulltide.Lulltide", "Skip");
@@ -629,6 +628,89 @@ private slots:
         QVERIFY2(kinds.size() >= 3, qPrintable(kinds.join(", ")));
         QCOMPARE(kinds.mid(kinds.size() - 2), QStringList({"break_ended quit", "stopped"}));
         QVERIFY(instance.log().contains("the display connection is gone: Lulltide ends"));
+    }
+
+    // The processes Lulltide started: its break screen's.
+    static QList<qint64> breakScreenProcesses(const Instance& instance)
+    {
+        return TestSupport::processTree(instance.process.processId()).mid(1);
+    }
+
+    static QByteArray mappedFiles(qint64 pid)
+    {
+        QFile maps(QStringLiteral("/proc/%1/maps").arg(pid));
+        return maps.open(QIODevice::ReadOnly) ? maps.readAll() : QByteArray();
+    }
+
+    void theBreakScreenProcessStartsAheadOfTheBreakAndEndsWithIt()
+    {
+        Instance instance;
+        // Fifteen seconds of work: the break screen's process waits until ten are left.
+        start(instance, "work_time=0.25\nbreak_time=200\n");
+        const QString early = status();
+        QVERIFY2(early >= "working 00:11", qPrintable(early));
+        QVERIFY(breakScreenProcesses(instance).isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(!breakScreenProcesses(instance).isEmpty(), 20000);
+        QVERIFY(status().startsWith("working 00:"));
+        QVERIFY(visibleWindows(instance).isEmpty());
+
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 5000);
+        QCOMPARE(lulltide({"--skip"}).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(breakScreenProcesses(instance).isEmpty(), 10000);
+        QVERIFY(visibleWindows(instance).isEmpty());
+        QVERIFY(status().startsWith("working "));
+    }
+
+    void aBreakScreenKilledDuringABreakComesBackAndTheBreakGoesOn()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 5000);
+        const QList<qint64> first = breakScreenProcesses(instance);
+        QCOMPARE(first.size(), 1);
+        QCOMPARE(::kill(pid_t(first.first()), SIGKILL), 0);
+
+        const auto anotherCovers = [&] {
+            const QList<qint64> now = breakScreenProcesses(instance);
+            return now.size() == 1 && now != first && !visibleWindows(instance).isEmpty();
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(anotherCovers(), 10000);
+        QVERIFY(status().startsWith("break "));
+        QVERIFY(instance.log().contains("the break screen ended during the break: starting it again"));
+        // Skip on the new one still ends the break.
+        QCOMPARE(lulltide({"--skip"}).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(visibleWindows(instance).isEmpty(), 10000);
+    }
+
+    void afterABreakTheCountingProcessHasLoadedNothingOfQtQuick()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 5000);
+        // The break's views are Qt Quick's: their QML modules are loaded where they are shown.
+        const QList<qint64> screen = breakScreenProcesses(instance);
+        QCOMPARE(screen.size(), 1);
+        QVERIFY(mappedFiles(screen.first()).contains("/qml/QtQuick/"));
+        QVERIFY(!mappedFiles(instance.process.processId()).contains("/qml/"));
+        QCOMPARE(lulltide({"--skip"}).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("working "), 10000);
+        const QByteArray counting = mappedFiles(instance.process.processId());
+        QVERIFY(!counting.isEmpty());
+        QVERIFY2(!counting.contains("/qml/"), counting.constData());
+    }
+
+    void theBreakScreenOptionRunByHandSaysItIsLulltidesOwn()
+    {
+        // As from a terminal: nothing open beyond the three standard streams.
+        QProcess process;
+        process.start("sh", {"-c", "exec \"$0\" --break-screen 3<&-", LULLTIDE_BINARY});
+        QVERIFY(TestSupport::waitForEnd(process, 15000));
+        QCOMPARE(process.exitCode(), 2);
+        const QString err = QString::fromUtf8(process.readAllStandardError());
+        QVERIFY2(err.endsWith("--break-screen is for Lulltide's own use\n"), qPrintable(err));
     }
 
     void aScreenReaderFindsTheSettingsWindowAndItsControls()

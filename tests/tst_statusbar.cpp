@@ -283,8 +283,7 @@ class StatusBarTest : public QObject {
     static QStringList visibleWindowNames(const QProcess& app)
     {
         QStringList names;
-        for (const QString& window :
-             TestSupport::searchWindows({"--onlyvisible", "--pid", QString::number(app.processId())})) {
+        for (const QString& window : TestSupport::visibleWindowsOf(app.processId())) {
             QProcess name;
             name.start("xdotool", {"getwindowname", window});
             name.waitForFinished(10000);

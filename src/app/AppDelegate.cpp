@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppDelegate.h"
 
+#include "break/BreakScreenProcess.h"
 #include "break/WindowController.h"
 #include "cycle/AppState.h"
 #include "cycle/BreakGate.h"
@@ -59,7 +60,10 @@ AppDelegate::~AppDelegate()
 void AppDelegate::applicationDidFinishLaunching()
 {
     QObject* owner = QCoreApplication::instance();
-    WindowController::install();
+    if (m_breakScreenProgram.isEmpty())
+        WindowController::install();
+    else
+        (new BreakScreenProcess(m_breakScreenProgram, owner))->install();
     Observers& parts = observers();
     if (!parts.history) {
         // Follows the cycle from its first work period on.

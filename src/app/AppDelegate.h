@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <memory>
 
 class HistoryStore;
@@ -22,4 +23,11 @@ public:
     // is closed here rather than by a destructor after the event loop.
     void applicationWillTerminate();
     bool applicationSupportsSecureRestorableState() const { return true; }
+
+    // Breaks show in a process of their own, `program --break-screen`, rather than in this one.
+    // Set before launching.
+    void showBreaksThrough(const QString& program) { m_breakScreenProgram = program; }
+
+private:
+    QString m_breakScreenProgram;
 };

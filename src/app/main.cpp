@@ -4,12 +4,14 @@
 #include "TerminationSignals.h"
 #include "Translations.h"
 #include "appinfo/AppInfo.h"
+#include "break/BreakScreenChild.h"
 #include "control/CommandLine.h"
 #include "control/ControlService.h"
 #include "logging/Logger.h"
 #include "settings/SettingsWindow.h"
 
 #include <QApplication>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QTimer>
 
@@ -22,6 +24,18 @@ void nameTheApplication()
     Translations::install();
 }
 
+// The break windows' own process, which Lulltide starts ahead of each break.
+int runBreakScreen(int argc, char* argv[])
+{
+    QGuiApplication app(argc, argv);
+    nameTheApplication();
+    QGuiApplication::setDesktopFileName(QString::fromUtf8(Config::appId));
+    BreakScreenChild child;
+    if (const std::optional<int> failed = child.start())
+        return *failed;
+    return app.exec();
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -30,6 +44,9 @@ int main(int argc, char* argv[])
     // typing error without a display, and most of its requests go to the running Lulltide.
     // A plain launch skips it: its QApplication must be the process's only application object,
     // or screen readers see nothing of its windows.
+    if (argc == 2 && qstrcmp(argv[1], "--break-screen") == 0)
+        return runBreakScreen(argc, argv);
+
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
@@ -74,6 +91,7 @@ int main(int argc, char* argv[])
     terminationSignals.install();
 
     AppDelegate delegate;
+    delegate.showBreaksThrough(QCoreApplication::applicationFilePath());
     QTimer::singleShot(0, &delegate, [&delegate, showSettings = outcome.showSettings] {
         delegate.applicationDidFinishLaunching();
         if (showSettings)

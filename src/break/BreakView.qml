@@ -9,8 +9,8 @@ Rectangle {
     id: root
     objectName: "breakView"
 
-    required property PromptState promptState
-    required property TicktackState breakState
+    required property QtObject promptState
+    required property QtObject breakState
 
     readonly property bool darkScheme: palette.window.hslLightness < 0.5
 

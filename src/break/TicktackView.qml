@@ -4,7 +4,7 @@ import Lulltide
 
 // The large countdown of the break screen.
 Text {
-    required property TicktackState ticktack
+    required property QtObject ticktack
 
     text: ticktack ? ticktack.timeString : ""
     color: palette.windowText

@@ -24,6 +24,9 @@ namespace {
 
 const char breakWindowName[] = "breakWindow";
 bool breakShown = false;
+// What the views show; the cycle's own objects unless another is set.
+QObject* viewPrompt = nullptr;
+QObject* viewCountdown = nullptr;
 const char fadeName[] = "fade";
 
 // Break windows are closed, not destroyed: the window list is their registry, so the next
@@ -87,8 +90,10 @@ QQuickItem* makeBreakView()
     QObject* view =
         QmlEngine::create(QStringLiteral("BreakView"),
                           {
-                              {QStringLiteral("promptState"), QVariant::fromValue(&AppState::promptState())},
-                              {QStringLiteral("breakState"), QVariant::fromValue(&AppState::breakState())},
+                              {QStringLiteral("promptState"),
+                               QVariant::fromValue(viewPrompt ? viewPrompt : &AppState::promptState())},
+                              {QStringLiteral("breakState"),
+                               QVariant::fromValue(viewCountdown ? viewCountdown : &AppState::breakState())},
                           });
     auto* item = qobject_cast<QQuickItem*>(view);
     if (!item)
@@ -220,6 +225,24 @@ QString displayIdentifier(const QScreen* screen)
 bool isBreakShown()
 {
     return breakShown;
+}
+
+void setViewState(QObject* prompt, QObject* countdown)
+{
+    viewPrompt = prompt;
+    viewCountdown = countdown;
+}
+
+bool prepareBreak()
+{
+    for (QScreen* screen : QGuiApplication::screens()) {
+        QQuickWindow* w = window(screen);
+        if (!w)
+            return false;
+        fitToScreen(w, screen);
+        w->create();
+    }
+    return true;
 }
 
 bool showBreak()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+class QObject;
 class QScreen;
 class QQuickWindow;
 class QString;
@@ -10,6 +11,15 @@ namespace WindowController {
 
 // Makes these windows the cycle's break screen (AppState::breakScreen()).
 void install();
+
+// The objects the break views show: one with the prompt, the buttons' visibility and skip()
+// and postpone(), one with the countdown's timeString and timesUp. Without this the views show
+// the cycle's own (AppState's).
+void setViewState(QObject* prompt, QObject* countdown);
+
+// Makes every screen's break window and view without showing them, so that the break appears
+// at once when it comes. False when the view cannot be made.
+bool prepareBreak();
 
 // Shows (creating when needed) a break window on every screen, fades it in over one second
 // and gives the primary screen's one the keyboard focus. False, with nothing shown, when the

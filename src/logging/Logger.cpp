@@ -85,6 +85,10 @@ namespace {
 Logger makeProcessLogger()
 {
     const QString identifier = AppInfo::identifier();
+    // A process that chose where its records go (a helper handing them to Lulltide) opens no
+    // file and says no greeting of its own.
+    if (LoggingSystem::isBootstrapped())
+        return Logger(identifier);
     const QString directory = LogSetup::logDirectory();
     if (directory.isEmpty())
         return Logger(identifier);

@@ -22,6 +22,12 @@ void bootstrap(Factory factory)
     installedFactory = std::move(factory);
 }
 
+bool isBootstrapped()
+{
+    std::lock_guard lock(factoryMutex);
+    return bootstrapped;
+}
+
 std::unique_ptr<LogHandler> makeHandler(const QString& label)
 {
     std::lock_guard lock(factoryMutex);

@@ -14,6 +14,9 @@ using Factory = std::function<std::unique_ptr<LogHandler>(const QString& label)>
 // Installs the factory. A second call is a programming error and ends the process.
 void bootstrap(Factory factory);
 
+// Whether a factory was installed.
+bool isBootstrapped();
+
 // A handler for a new logger: the bootstrapped factory's, or a standard-output stream handler.
 std::unique_ptr<LogHandler> makeHandler(const QString& label);
 

@@ -215,6 +215,38 @@ QQuickItem* findItem(QQuickItem* parent, const QString& objectName)
     return nullptr;
 }
 
+QList<qint64> processTree(qint64 pid)
+{
+    QMultiHash<qint64, qint64> children;
+    for (const QString& entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        bool isNumber = false;
+        const qint64 child = entry.toLongLong(&isNumber);
+        if (!isNumber)
+            continue;
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(child));
+        if (!stat.open(QIODevice::ReadOnly))
+            continue;
+        // "pid (name) state ppid ...": the name may hold spaces and parentheses.
+        const QByteArray line = stat.readAll();
+        const QList<QByteArray> fields = line.mid(line.lastIndexOf(')') + 2).split(' ');
+        if (fields.size() > 1)
+            children.insert(fields.at(1).toLongLong(), child);
+    }
+    QList<qint64> tree{pid};
+    for (qsizetype i = 0; i < tree.size(); ++i)
+        tree += children.values(tree.at(i));
+    return tree;
+}
+
+QStringList visibleWindowsOf(qint64 pid, const QProcessEnvironment& environment)
+{
+    QStringList windows;
+    for (qint64 member : processTree(pid))
+        windows += searchWindows({QStringLiteral("--onlyvisible"), QStringLiteral("--pid"), QString::number(member)},
+                                 environment);
+    return windows;
+}
+
 QStringList searchWindows(const QStringList& arguments, const QProcessEnvironment& environment)
 {
     for (int attempt = 0;; ++attempt) {

@@ -70,6 +70,14 @@ QQuickItem* findItem(QQuickItem* parent, const QString& objectName);
 QStringList searchWindows(const QStringList& arguments,
                           const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
 
+// The process and all its descendants, as /proc lists them now.
+QList<qint64> processTree(qint64 pid);
+
+// The visible windows of a program and of the processes it started (its break screen), as
+// the X server lists them.
+QStringList visibleWindowsOf(qint64 pid,
+                             const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
+
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);
 

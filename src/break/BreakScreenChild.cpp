@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "BreakScreenChild.h"
+
+#include "WindowController.h"
+#include "logging/ForwardingLogHandler.h"
+#include "logging/Logger.h"
+#include "logging/LoggingSystem.h"
+
+#include <QGuiApplication>
+#include <QQuickWindow>
+#include <cstdio>
+#include <memory>
+
+std::optional<int> BreakScreenChild::start()
+{
+    if (!m_channel.open(BreakChannel::childDescriptor, true)) {
+        std::fputs("--break-screen is for Lulltide's own use\n", stderr);
+        return NotStartedByLulltide;
+    }
+    LoggingSystem::bootstrap([this](const QString&) {
+        return std::make_unique<ForwardingLogHandler>([this](LogLevel level, const QString& message) {
+            m_channel.send({{QStringLiteral("log"), int(level)}, {QStringLiteral("text"), message}});
+        });
+    });
+    connect(&m_channel, &BreakChannel::received, this, &BreakScreenChild::apply);
+    // Lulltide ended or is done with the break.
+    connect(&m_channel, &BreakChannel::closed, qApp, &QCoreApplication::quit);
+    connect(&m_state, &RemoteBreakState::skipRequested, this,
+            [this] { m_channel.send({{QStringLiteral("action"), QStringLiteral("skip")}}); });
+    connect(&m_state, &RemoteBreakState::postponeRequested, this,
+            [this] { m_channel.send({{QStringLiteral("action"), QStringLiteral("postpone")}}); });
+
+    WindowController::setViewState(&m_state, &m_state);
+    if (!WindowController::prepareBreak())
+        return ViewCannotBeMade;
+    m_channel.send({{QStringLiteral("ready"), true}});
+    return std::nullopt;
+}
+
+void BreakScreenChild::apply(const QJsonObject& message)
+{
+    m_state.setPrompt(message.value(QStringLiteral("prompt")).toString());
+    m_state.setShowSkipButton(message.value(QStringLiteral("skip")).toBool());
+    m_state.setShowPostponeButton(message.value(QStringLiteral("postpone")).toBool());
+    m_state.setTimeString(message.value(QStringLiteral("time")).toString());
+    const bool shown = message.value(QStringLiteral("shown")).toBool();
+    if (shown && !WindowController::isBreakShown()) {
+        if (!WindowController::showBreak()) {
+            QCoreApplication::exit(ViewCannotBeMade);
+            return;
+        }
+        tellWhenDrawn();
+    } else if (!shown) {
+        // The break is over (or will not come): the windows go with the process.
+        QCoreApplication::quit();
+    }
+}
+
+void BreakScreenChild::tellWhenDrawn()
+{
+    QList<QQuickWindow*> windows;
+    for (QWindow* window : QGuiApplication::allWindows()) {
+        if (auto* quickWindow = qobject_cast<QQuickWindow*>(window); quickWindow && window->isVisible())
+            windows << quickWindow;
+    }
+    auto waiting = std::make_shared<qsizetype>(windows.size());
+    for (QQuickWindow* window : windows) {
+        connect(
+            window, &QQuickWindow::frameSwapped, this,
+            [this, waiting] {
+                if (--*waiting == 0)
+                    m_channel.send({{QStringLiteral("drawn"), true}});
+            },
+            Qt::SingleShotConnection);
+    }
+}

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "BreakChannel.h"
+#include "RemoteBreakState.h"
+
+#include <QObject>
+#include <optional>
+
+// The break-screen process (`lulltide --break-screen`, started by Lulltide itself): it makes the
+// break windows ahead of the break, shows them when told, sends Skip and Postpone back, and ends
+// with the break. The process that counts never loads Qt Quick, and what a break costs goes
+// with this one.
+class BreakScreenChild : public QObject {
+    Q_OBJECT
+
+public:
+    // How the process ends when it cannot serve.
+    enum ExitCode { NotStartedByLulltide = 2, ViewCannotBeMade = 3 };
+
+    // Opens the connection to Lulltide, sends the log there, and makes the windows; the exit
+    // code when that fails. Needs the QGuiApplication.
+    std::optional<int> start();
+
+private:
+    void apply(const QJsonObject& message);
+    // Says "drawn" once the first frame of the break is on every screen.
+    void tellWhenDrawn();
+
+    BreakChannel m_channel;
+    RemoteBreakState m_state;
+};
