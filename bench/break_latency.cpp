@@ -104,7 +104,7 @@ int main(int argc, char* argv[])
         return 0;
     }
 
-    BreakScreenProcess screen(QStringLiteral(LULLTIDE_BINARY));
+    BreakScreenProcess screen(QStringLiteral(LULLTIDE_VIEWS_BINARY));
     screen.install();
     QObject::connect(&screen, &BreakScreenProcess::drawn, &frameShown, shown);
     for (int round = 0; round < rounds; ++round) {

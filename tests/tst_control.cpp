@@ -17,9 +17,28 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QSet>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <csignal>
+
+// The accessibility bus as a desktop session starts it, on the test's own session bus.
+struct AccessibilityBus {
+    QProcess launcher;
+    AccessibilityBus() { launcher.start("/usr/libexec/at-spi-bus-launcher", {"--launch-immediately"}); }
+    ~AccessibilityBus()
+    {
+        launcher.terminate();
+        launcher.waitForFinished(5000);
+    }
+    bool started()
+    {
+        return launcher.waitForStarted() &&
+               QTest::qWaitFor(
+                   [] { return QDBusConnection::sessionBus().interface()->isServiceRegistered("org.a11y.Bus"); },
+                   10000);
+    }
+};
 
 // Control from scripts: the real program on this test's own session bus, driven by the command
 // line (`lulltide --pause` and the rest) and read through its bus object, as a script or a
@@ -148,6 +167,45 @@ class ControlTest : public QObject {
     };
     QList<Announcement> announcements;
     QElapsedTimer clock;
+
+    // The processes Lulltide started: its break screen's, its settings window's.
+    static QList<qint64> viewProcesses(const Instance& instance)
+    {
+        return TestSupport::processTree(instance.process.processId()).mid(1);
+    }
+
+    static QByteArray mappedFiles(qint64 pid)
+    {
+        QFile maps(QStringLiteral("/proc/%1/maps").arg(pid));
+        return maps.open(QIODevice::ReadOnly) ? maps.readAll() : QByteArray();
+    }
+
+    // Whether the process has mapped Qt Quick, QML or one of their modules.
+    static bool loadsQtQuick(qint64 pid)
+    {
+        const QByteArray maps = mappedFiles(pid);
+        return maps.contains("libQt6Quick") || maps.contains("libQt6Qml") || maps.contains("/qml/");
+    }
+
+    // What a screen reader finds of Lulltide (see tests/support/atspi-tree.py for `arguments`).
+    static QString atspi(const QStringList& arguments)
+    {
+        QProcess walk;
+        walk.start("/usr/bin/python3", QStringList{TESTS_SOURCE_DIR "/support/atspi-tree.py", "Lulltide"} + arguments);
+        walk.waitForFinished(30000);
+        return QString::fromUtf8(walk.readAllStandardOutput());
+    }
+
+    void startWithTheSettingsWindowForAScreenReader(Instance& instance, const QByteArray& settings)
+    {
+        writeSettings(instance, settings);
+        QProcessEnvironment env = environment(instance.home.path());
+        env.insert("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+        instance.process.setProcessEnvironment(env);
+        instance.process.start(LULLTIDE_BINARY, {"--settings"});
+        QVERIFY(instance.process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(showsTheSettingsWindow(instance), 20000);
+    }
 
 private slots:
     void onPropertiesChanged(const QString& interface, const QVariantMap& changed, const QStringList&)
@@ -630,18 +688,6 @@ private slots:
         QVERIFY(instance.log().contains("the display connection is gone: Lulltide ends"));
     }
 
-    // The processes Lulltide started: its break screen's.
-    static QList<qint64> breakScreenProcesses(const Instance& instance)
-    {
-        return TestSupport::processTree(instance.process.processId()).mid(1);
-    }
-
-    static QByteArray mappedFiles(qint64 pid)
-    {
-        QFile maps(QStringLiteral("/proc/%1/maps").arg(pid));
-        return maps.open(QIODevice::ReadOnly) ? maps.readAll() : QByteArray();
-    }
-
     void theBreakScreenProcessStartsAheadOfTheBreakAndEndsWithIt()
     {
         Instance instance;
@@ -649,15 +695,15 @@ private slots:
         start(instance, "work_time=0.25\nbreak_time=200\n");
         const QString early = status();
         QVERIFY2(early >= "working 00:11", qPrintable(early));
-        QVERIFY(breakScreenProcesses(instance).isEmpty());
-        QTRY_VERIFY_WITH_TIMEOUT(!breakScreenProcesses(instance).isEmpty(), 20000);
+        QVERIFY(viewProcesses(instance).isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(!viewProcesses(instance).isEmpty(), 20000);
         QVERIFY(status().startsWith("working 00:"));
         QVERIFY(visibleWindows(instance).isEmpty());
 
         QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 20000);
         QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 5000);
         QCOMPARE(lulltide({"--skip"}).exitCode, 0);
-        QTRY_VERIFY_WITH_TIMEOUT(breakScreenProcesses(instance).isEmpty(), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(viewProcesses(instance).isEmpty(), 10000);
         QVERIFY(visibleWindows(instance).isEmpty());
         QVERIFY(status().startsWith("working "));
     }
@@ -668,12 +714,12 @@ private slots:
         start(instance, "work_time=0.05\nbreak_time=200\n");
         QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 20000);
         QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 5000);
-        const QList<qint64> first = breakScreenProcesses(instance);
+        const QList<qint64> first = viewProcesses(instance);
         QCOMPARE(first.size(), 1);
         QCOMPARE(::kill(pid_t(first.first()), SIGKILL), 0);
 
         const auto anotherCovers = [&] {
-            const QList<qint64> now = breakScreenProcesses(instance);
+            const QList<qint64> now = viewProcesses(instance);
             return now.size() == 1 && now != first && !visibleWindows(instance).isEmpty();
         };
         QTRY_VERIFY_WITH_TIMEOUT(anotherCovers(), 10000);
@@ -691,67 +737,94 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 20000);
         QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 5000);
         // The break's views are Qt Quick's: their QML modules are loaded where they are shown.
-        const QList<qint64> screen = breakScreenProcesses(instance);
+        const QList<qint64> screen = viewProcesses(instance);
         QCOMPARE(screen.size(), 1);
         QVERIFY(mappedFiles(screen.first()).contains("/qml/QtQuick/"));
-        QVERIFY(!mappedFiles(instance.process.processId()).contains("/qml/"));
+        QVERIFY(mappedFiles(screen.first()).contains("libQt6Quick.so"));
+        QVERIFY(!loadsQtQuick(instance.process.processId()));
         QCOMPARE(lulltide({"--skip"}).exitCode, 0);
         QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("working "), 10000);
-        const QByteArray counting = mappedFiles(instance.process.processId());
-        QVERIFY(!counting.isEmpty());
-        QVERIFY2(!counting.contains("/qml/"), counting.constData());
+        QVERIFY(!mappedFiles(instance.process.processId()).isEmpty());
+        QVERIFY(!loadsQtQuick(instance.process.processId()));
     }
 
-    void theBreakScreenOptionRunByHandSaysItIsLulltidesOwn()
+    void theViewsProgramRunByHandSaysItIsLulltidesOwn()
     {
         // As from a terminal: nothing open beyond the three standard streams.
         QProcess process;
-        process.start("sh", {"-c", "exec \"$0\" --break-screen 3<&-", LULLTIDE_BINARY});
+        process.start("sh", {"-c", "exec \"$0\" --break-screen 3<&-", LULLTIDE_VIEWS_BINARY});
         QVERIFY(TestSupport::waitForEnd(process, 15000));
         QCOMPARE(process.exitCode(), 2);
         const QString err = QString::fromUtf8(process.readAllStandardError());
         QVERIFY2(err.endsWith("--break-screen is for Lulltide's own use\n"), qPrintable(err));
     }
 
+    void aSettingChangedInTheSettingsWindowTakesEffectInTheRunningCycle()
+    {
+        AccessibilityBus accessibility;
+        QVERIFY(accessibility.started());
+        Instance instance;
+        // A break a minute away, which a postpone would move.
+        startWithTheSettingsWindowForAScreenReader(instance, "allow_postpone=false\nwork_time=1\n");
+        const Ran refused = lulltide({"--postpone"});
+        QCOMPARE(refused.exitCode, 1);
+        QVERIFY2(refused.err.startsWith("Postponing breaks is off"), qPrintable(refused.err));
+
+        // As a screen reader's user (or a click) ticks the box in the settings window's process.
+        QTRY_VERIFY_WITH_TIMEOUT(atspi({}).contains("check box 'Allow postponing breaks'"), 20000);
+        const QString done = atspi({"--do", "check box", "Allow postponing breaks", "Toggle"});
+        QVERIFY2(done.startsWith("Toggle True"), qPrintable(done));
+        // Asked until the change arrives, and not again once it has (QTRY checks once more at the end).
+        Ran postponed;
+        const auto postponedNow = [&] {
+            if (postponed.exitCode != 0)
+                postponed = lulltide({"--postpone"});
+            return postponed.exitCode == 0;
+        };
+        QTRY_VERIFY2_WITH_TIMEOUT(postponedNow(), qPrintable(postponed.err), 10000);
+    }
+
+    void theSettingsWindowsProcessEndsWithTheWindow()
+    {
+        Instance instance;
+        start(instance);
+        QCOMPARE(lulltide({"--settings"}).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(showsTheSettingsWindow(instance), 20000);
+        // A second request brings the same window forward: still one window, one process.
+        QCOMPARE(lulltide({"--settings"}).exitCode, 0);
+        QCOMPARE(viewProcesses(instance).size(), 1);
+        const QStringList windows = visibleWindows(instance);
+        QCOMPARE(windows.size(), 1);
+        QVERIFY(TestSupport::askWindowToClose(windows.first()));
+        QTRY_VERIFY_WITH_TIMEOUT(viewProcesses(instance).isEmpty(), 10000);
+        QVERIFY(status().startsWith("working "));
+        QVERIFY(!loadsQtQuick(instance.process.processId()));
+    }
+
     void aScreenReaderFindsTheSettingsWindowAndItsControls()
     {
-        // The accessibility bus as a desktop session starts it, on this test's own session bus.
-        QProcess launcher;
-        launcher.start("/usr/libexec/at-spi-bus-launcher", {"--launch-immediately"});
-        QVERIFY(launcher.waitForStarted());
-        const auto launcherGone = qScopeGuard([&launcher] {
-            launcher.terminate();
-            launcher.waitForFinished(5000);
-        });
-        QTRY_VERIFY_WITH_TIMEOUT(
-            QDBusConnection::sessionBus().interface()->isServiceRegistered("org.a11y.Bus"), 10000);
-
+        AccessibilityBus accessibility;
+        QVERIFY(accessibility.started());
         Instance instance;
-        writeSettings(instance, {});
-        QProcessEnvironment env = environment(instance.home.path());
-        env.insert("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
-        instance.process.setProcessEnvironment(env);
-        instance.process.start(LULLTIDE_BINARY, {"--settings"});
-        QVERIFY(instance.process.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(showsTheSettingsWindow(instance), 20000);
+        startWithTheSettingsWindowForAScreenReader(instance, {});
 
-        const auto tree = [] {
-            QProcess walk;
-            walk.start("/usr/bin/python3", {TESTS_SOURCE_DIR "/support/atspi-tree.py", "Lulltide"});
-            walk.waitForFinished(30000);
-            return QString::fromUtf8(walk.readAllStandardOutput());
-        };
         QString found;
         const auto controlsFound = [&] {
-            found = tree();
+            found = atspi({});
             return found.contains("check box 'Launch at login'");
         };
         QTRY_VERIFY2_WITH_TIMEOUT(controlsFound(), qPrintable(found), 20000);
         QVERIFY2(found.contains("\n  frame 'Settings'"), qPrintable(found));
         for (const char* tab : {"General", "Workflow", "Style", "Timing", "History", "About"})
             QVERIFY2(found.contains(QStringLiteral("page tab '%1'").arg(QLatin1String(tab))), tab);
-        // One application, not one per application object the process made.
-        QCOMPARE(found.count(QRegularExpression("^application ", QRegularExpression::MultilineOption)), 1);
+        // One application per process (the settings window's and the counting one), not one per
+        // application object a process made.
+        const QRegularExpression application("^application '[^']*' pid (\\d+)$", QRegularExpression::MultilineOption);
+        QStringList pids;
+        for (const QRegularExpressionMatch& match : application.globalMatch(found))
+            pids << match.captured(1);
+        QVERIFY2(!pids.isEmpty(), qPrintable(found));
+        QCOMPARE(QSet<QString>(pids.cbegin(), pids.cend()).size(), pids.size());
     }
 
     void theBusObjectOffersItsPropertiesAndMethods()

@@ -336,12 +336,33 @@ private slots:
         QVERIFY2(errors.contains("The X11 connection broke"), qPrintable(errors));
     }
 
+    void aMissingViewsProgramIsLoggedOnceAndTheCycleRunsOn()
+    {
+        // A program copied alone, away from the one that shows its windows (and with none installed).
+        QTemporaryDir install;
+        const QString program = install.filePath("lulltide");
+        QVERIFY(QFile::copy(LULLTIDE_BINARY, program));
+        QVERIFY2(!QFile::exists(QStringLiteral(LULLTIDE_INSTALLED_VIEWS)), "an installed Lulltide is in the way");
+
+        Instance instance;
+        writeSettings(instance, "[General]\nwork_time=0.05\nauto_check_update=false\n");
+        start(instance, program);
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().count("ticktack timer start 3.0") >= 3, 20000);
+        const QString log = instance.log();
+        QCOMPARE(log.count(" error org.lulltide.Lulltide : the break screen cannot start: "), 1);
+        QVERIFY(log.contains(
+            " error org.lulltide.Lulltide : no break screen can be shown: the next work period starts"));
+        QCOMPARE(instance.process.state(), QProcess::Running);
+        QCOMPARE(TestSupport::visibleWindowsOf(instance.process.processId()), QStringList());
+    }
+
     void aBreakScreenThatCannotBeMadeShowsNothingAndTheCycleRunsOn()
     {
         // A broken installation: the program finds no QML modules (its qt.conf points elsewhere).
         QTemporaryDir install;
         const QString program = install.filePath("lulltide");
         QVERIFY(QFile::copy(LULLTIDE_BINARY, program));
+        QVERIFY(QFile::copy(LULLTIDE_VIEWS_BINARY, install.filePath("lulltide-views")));
         QFile conf(install.filePath("qt.conf"));
         QVERIFY(conf.open(QIODevice::WriteOnly));
         conf.write("[Paths]\nPlugins=" + QLibraryInfo::path(QLibraryInfo::PluginsPath).toUtf8() +

@@ -1,42 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppDelegate.h"
-#include "Config.h"
+#include "ApplicationLook.h"
 #include "TerminationSignals.h"
-#include "Translations.h"
-#include "appinfo/AppInfo.h"
-#include "break/BreakScreenChild.h"
 #include "control/CommandLine.h"
 #include "control/ControlService.h"
 #include "logging/Logger.h"
 #include "settings/SettingsWindow.h"
 
 #include <QApplication>
-#include <QGuiApplication>
-#include <QIcon>
 #include <QTimer>
-
-namespace {
-
-void nameTheApplication()
-{
-    QCoreApplication::setApplicationName(AppInfo::name());
-    QCoreApplication::setApplicationVersion(AppInfo::version());
-    Translations::install();
-}
-
-// The break windows' own process, which Lulltide starts ahead of each break.
-int runBreakScreen(int argc, char* argv[])
-{
-    QGuiApplication app(argc, argv);
-    nameTheApplication();
-    QGuiApplication::setDesktopFileName(QString::fromUtf8(Config::appId));
-    BreakScreenChild child;
-    if (const std::optional<int> failed = child.start())
-        return *failed;
-    return app.exec();
-}
-
-} // namespace
 
 int main(int argc, char* argv[])
 {
@@ -44,9 +16,6 @@ int main(int argc, char* argv[])
     // typing error without a display, and most of its requests go to the running Lulltide.
     // A plain launch skips it: its QApplication must be the process's only application object,
     // or screen readers see nothing of its windows.
-    if (argc == 2 && qstrcmp(argv[1], "--break-screen") == 0)
-        return runBreakScreen(argc, argv);
-
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
@@ -54,15 +23,14 @@ int main(int argc, char* argv[])
     CommandLine::Outcome outcome = launch.value_or(CommandLine::Outcome{});
     if (!launch) {
         QCoreApplication commandLine(argc, argv);
-        nameTheApplication();
+        ApplicationLook::nameTheApplication();
         outcome = CommandLine::read();
     }
     if (outcome.exitCode)
         return *outcome.exitCode;
 
     QApplication app(argc, argv);
-    nameTheApplication();
-    QApplication::setDesktopFileName(QString::fromUtf8(Config::appId));
+    ApplicationLook::nameTheApplication();
 
     auto* control = new ControlService(QDBusConnection::sessionBus(), &app);
     switch (control->claim()) {
@@ -78,11 +46,7 @@ int main(int argc, char* argv[])
         break;
     }
 
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/org.lulltide.Lulltide.svg")));
-    // Without a desktop's platform theme Qt looks for icons in hicolor only, which has none of
-    // the common action icons the menus and tabs name.
-    if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
-        QIcon::setThemeName(QStringLiteral("Adwaita"));
+    ApplicationLook::useTheDesktopsIcons();
     // No main window: closing the settings window or a break window must not end the program.
     QApplication::setQuitOnLastWindowClosed(false);
 
@@ -91,7 +55,8 @@ int main(int argc, char* argv[])
     terminationSignals.install();
 
     AppDelegate delegate;
-    delegate.showBreaksThrough(QCoreApplication::applicationFilePath());
+    delegate.showBreaksThrough(ApplicationLook::viewsProgram());
+    SettingsWindow::showThrough(ApplicationLook::viewsProgram());
     QTimer::singleShot(0, &delegate, [&delegate, showSettings = outcome.showSettings] {
         delegate.applicationDidFinishLaunching();
         if (showSettings)

@@ -2,9 +2,6 @@
 #include "BreakScreenChild.h"
 
 #include "WindowController.h"
-#include "logging/ForwardingLogHandler.h"
-#include "logging/Logger.h"
-#include "logging/LoggingSystem.h"
 
 #include <QGuiApplication>
 #include <QQuickWindow>
@@ -13,18 +10,13 @@
 
 std::optional<int> BreakScreenChild::start()
 {
-    if (!m_channel.open(BreakChannel::childDescriptor, true)) {
+    if (!m_channel.openToParent()) {
         std::fputs("--break-screen is for Lulltide's own use\n", stderr);
         return NotStartedByLulltide;
     }
-    LoggingSystem::bootstrap([this](const QString&) {
-        return std::make_unique<ForwardingLogHandler>([this](LogLevel level, const QString& message) {
-            m_channel.send({{QStringLiteral("log"), int(level)}, {QStringLiteral("text"), message}});
-        });
-    });
-    connect(&m_channel, &BreakChannel::received, this, &BreakScreenChild::apply);
+    connect(&m_channel, &ViewChannel::received, this, &BreakScreenChild::apply);
     // Lulltide ended or is done with the break.
-    connect(&m_channel, &BreakChannel::closed, qApp, &QCoreApplication::quit);
+    connect(&m_channel, &ViewChannel::closed, qApp, &QCoreApplication::quit);
     connect(&m_state, &RemoteBreakState::skipRequested, this,
             [this] { m_channel.send({{QStringLiteral("action"), QStringLiteral("skip")}}); });
     connect(&m_state, &RemoteBreakState::postponeRequested, this,

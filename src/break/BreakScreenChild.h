@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "BreakChannel.h"
+#include "ViewChannel.h"
 #include "RemoteBreakState.h"
 
 #include <QObject>
@@ -27,6 +27,6 @@ private:
     // Says "drawn" once the first frame of the break is on every screen.
     void tellWhenDrawn();
 
-    BreakChannel m_channel;
+    ViewChannel m_channel;
     RemoteBreakState m_state;
 };

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "BreakScreenProcess.h"
 
-#include "BreakChannel.h"
 #include "BreakScreenChild.h"
+#include "ViewProcess.h"
 #include "cycle/AppState.h"
 #include "cycle/CycleControl.h"
 #include "cycle/CycleEvents.h"
@@ -11,22 +11,12 @@
 #include "logging/Logger.h"
 
 #include <QTimer>
-#include <cerrno>
-#include <cstring>
 #include <utility>
-
-#include <fcntl.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace {
 
 // A process that dies this many times before its windows are made will not make them.
 constexpr int failedStartsToGiveUp = 3;
-// A retired process that has not ended by then is ended.
-constexpr int retireGraceMs = 5000;
-// A log line from the break screen longer than this is cut.
-constexpr int longestLogText = 4000;
 
 } // namespace
 
@@ -93,53 +83,20 @@ void BreakScreenProcess::followCountdown()
 
 void BreakScreenProcess::start()
 {
-    int ends[2];
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
-        giveUp(QStringLiteral("no socket pair: ") + QString::fromLocal8Bit(std::strerror(errno)));
-        return;
-    }
-    auto* process = new QProcess(this);
-    process->setProgram(m_program);
-    process->setArguments({QStringLiteral("--break-screen")});
-    process->setProcessChannelMode(QProcess::ForwardedChannels);
-    process->setInputChannelMode(QProcess::ForwardedInputChannel);
-    const int childEnd = ends[1];
-    process->setChildProcessModifier([childEnd] {
-        // dup2 leaves close-on-exec off on the copy; the end already in place needs it cleared.
-        if (childEnd == BreakChannel::childDescriptor)
-            fcntl(childEnd, F_SETFD, 0);
-        else
-            dup2(childEnd, BreakChannel::childDescriptor);
-    });
-    connect(process, &QProcess::finished, this,
-            [this, process](int exitCode, QProcess::ExitStatus status) { ended(process, exitCode, status); });
-    connect(process, &QProcess::errorOccurred, this, [this, process](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart) {
-            m_failedStarts = failedStartsToGiveUp - 1; // it will not start the next time either
-            ended(process, -1, QProcess::CrashExit);
-        }
-    });
-    auto* channel = new BreakChannel;
-    channel->setParent(process);
-    connect(channel, &BreakChannel::received, this, &BreakScreenProcess::received);
-    m_process = process;
-    m_channel = channel;
+    m_process = new ViewProcess(m_program, QStringLiteral("--break-screen"), this);
     m_ready = false;
-    process->start();
-    ::close(childEnd);
-    channel->open(ends[0]);
+    connect(m_process, &ViewProcess::received, this, &BreakScreenProcess::received);
+    connect(m_process, &ViewProcess::ended, this, &BreakScreenProcess::ended);
+    m_process->start();
 }
 
 void BreakScreenProcess::retire()
 {
     if (!m_process)
         return;
-    QProcess* process = std::exchange(m_process, nullptr);
-    BreakChannel* channel = std::exchange(m_channel, nullptr);
     m_ready = false;
-    channel->send({{QStringLiteral("shown"), false}});
-    channel->close();
-    QTimer::singleShot(retireGraceMs, process, [process] { process->kill(); });
+    m_process->send({{QStringLiteral("shown"), false}});
+    std::exchange(m_process, nullptr)->retire();
 }
 
 void BreakScreenProcess::sendState()
@@ -156,10 +113,10 @@ void BreakScreenProcess::sendState()
 
 void BreakScreenProcess::sendNow()
 {
-    if (!m_shown || !m_channel)
+    if (!m_shown || !m_process)
         return;
     const PromptState& prompt = AppState::promptState();
-    m_channel->send({
+    m_process->send({
         {QStringLiteral("shown"), true},
         {QStringLiteral("prompt"), prompt.prompt()},
         {QStringLiteral("skip"), prompt.showSkipButton()},
@@ -170,12 +127,6 @@ void BreakScreenProcess::sendNow()
 
 void BreakScreenProcess::received(const QJsonObject& message)
 {
-    if (message.contains(QStringLiteral("log"))) {
-        const int level = message.value(QStringLiteral("log")).toInt(-1);
-        if (level >= int(LogLevel::trace) && level <= int(LogLevel::critical))
-            logger().log(LogLevel(level), message.value(QStringLiteral("text")).toString().left(longestLogText));
-        return;
-    }
     if (message.value(QStringLiteral("ready")).toBool()) {
         m_ready = true;
         m_failedStarts = 0;
@@ -194,21 +145,17 @@ void BreakScreenProcess::received(const QJsonObject& message)
         CycleControl::postpone(0);
 }
 
-void BreakScreenProcess::ended(QProcess* process, int exitCode, QProcess::ExitStatus status)
+void BreakScreenProcess::ended(int exitCode, QProcess::ExitStatus status)
 {
-    process->deleteLater();
-    if (process != m_process)
-        return; // retired: it was meant to end
-    // What it said last (the reason it could not go on) is still in the connection.
-    m_channel->drain();
-    m_process = nullptr;
-    m_channel = nullptr;
+    const QString startError = m_process->startError();
+    m_process = nullptr; // it deletes itself
     const bool wasReady = std::exchange(m_ready, false);
-    if (status == QProcess::NormalExit && exitCode == BreakScreenChild::ViewCannotBeMade)
+    if (!startError.isEmpty())
+        giveUp(startError);
+    else if (status == QProcess::NormalExit && exitCode == BreakScreenChild::ViewCannotBeMade)
         giveUp(QStringLiteral("the break view cannot be made"));
     else if (!wasReady && ++m_failedStarts >= failedStartsToGiveUp)
-        giveUp(process->error() == QProcess::FailedToStart ? process->errorString()
-                                                           : QStringLiteral("it ended before its windows were made"));
+        giveUp(QStringLiteral("it ended before its windows were made"));
     if (m_broken)
         return;
     if (m_shown) {

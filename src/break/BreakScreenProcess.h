@@ -7,7 +7,7 @@
 #include <QObject>
 #include <QProcess>
 
-class BreakChannel;
+class ViewProcess;
 
 // The break windows of a process of their own (`lulltide --break-screen`): started a few
 // seconds before a break is due, so that the break appears at once, and ended with the break,
@@ -45,14 +45,13 @@ private:
     void sendState();
     void sendNow();
     void received(const QJsonObject& message);
-    void ended(QProcess* process, int exitCode, QProcess::ExitStatus status);
+    void ended(int exitCode, QProcess::ExitStatus status);
     // Starts the process when a break is near, and ends an idle one when none is.
     void followCountdown();
     void giveUp(const QString& why);
 
     QString m_program;
-    QProcess* m_process = nullptr;
-    BreakChannel* m_channel = nullptr;
+    ViewProcess* m_process = nullptr;
     bool m_shown = false;
     bool m_ready = false;
     int m_failedStarts = 0;

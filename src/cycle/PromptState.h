@@ -3,14 +3,11 @@
 
 #include <QObject>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
 // What the break screen shows, and the decisions that move the cycle between work and breaks:
 // every N-th break (N = short_break_times) is a long one.
 class PromptState : public QObject {
     Q_OBJECT
-    QML_ELEMENT
-    QML_UNCREATABLE("The break screen's state belongs to the application")
     Q_PROPERTY(QString prompt READ prompt WRITE setPrompt NOTIFY promptChanged)
     Q_PROPERTY(bool showSkipButton READ showSkipButton WRITE setShowSkipButton NOTIFY showSkipButtonChanged)
     Q_PROPERTY(bool showPostponeButton READ showPostponeButton NOTIFY showPostponeButtonChanged)

@@ -3,15 +3,12 @@
 
 #include <QObject>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
 // The countdown as shown: one instance for work periods, one for breaks.
 // Setters notify on every assignment, also of an unchanged value: the status item reacts to
 // each pair it is handed, and observers must see every write the timer makes.
 class TicktackState : public QObject {
     Q_OBJECT
-    QML_ELEMENT
-    QML_UNCREATABLE("The countdown states belong to the application")
     Q_PROPERTY(QString timeString READ timeString WRITE setTimeString NOTIFY timeStringChanged)
     Q_PROPERTY(bool timesUp READ timesUp WRITE setTimesUp NOTIFY timesUpChanged)
 

@@ -3,7 +3,6 @@
 
 #include <QObject>
 #include <QVariantMap>
-#include <QtQml/qqmlregistration.h>
 
 class HistoryStore;
 
@@ -11,8 +10,6 @@ class HistoryStore;
 // when the tab asks, never before.
 class HistoryModel : public QObject {
     Q_OBJECT
-    QML_ELEMENT
-    QML_UNCREATABLE("The History tab is handed the program's history file")
 
 public:
     explicit HistoryModel(HistoryStore& store, QObject* parent = nullptr);

@@ -3,10 +3,9 @@
 
 #include <QObject>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
 class PrefStyleState;
-Q_MOC_INCLUDE("PrefStyleState.h")
+Q_MOC_INCLUDE("preferences/PrefStyleState.h")
 
 // The user's settings. Every property reads and writes one key of the settings file at once,
 // so a change survives a restart. Numbers are kept as the text the user typed and parsed on
@@ -14,8 +13,6 @@ Q_MOC_INCLUDE("PrefStyleState.h")
 // value, and the two with side effects (launch at login, show time) run them every time.
 class PrefState : public QObject {
     Q_OBJECT
-    QML_ELEMENT
-    QML_UNCREATABLE("The settings belong to the application")
     Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
     Q_PROPERTY(bool showTime READ showTime WRITE setShowTime NOTIFY showTimeChanged)
     Q_PROPERTY(

@@ -4,14 +4,11 @@
 #include "BreakStyle.h"
 
 #include <QObject>
-#include <QtQml/qqmlregistration.h>
 
 // The chosen break style, kept under "break_style" as its number. A stored value that names
 // no style reads as relaxation. The setter notifies on every assignment.
 class PrefStyleState : public QObject {
     Q_OBJECT
-    QML_ELEMENT
-    QML_UNCREATABLE("The style choice belongs to the settings")
     Q_PROPERTY(
         int breakStyleRawValue READ breakStyleRawValue WRITE setBreakStyleRawValue NOTIFY breakStyleChanged)
     // For the pickers: every style's description, in the order of their numbers.

@@ -10,7 +10,7 @@ Item {
     id: root
     objectName: "breakView"
 
-    required property PrefState prefState
+    required property QtObject prefState
 
     component SectionHeader: Label {
         font.pixelSize: 12
@@ -22,7 +22,7 @@ Item {
     // A field of one setting. Every keystroke is stored, so the placeholder keeps the value stored
     // when the edit began: an emptied field still shows what it held before.
     component SettingField: TextField {
-        required property PrefState store
+        required property QtObject store
         required property string setting
         // Follows the store until the first edit; from then on taken afresh as each edit begins.
         property string storedBeforeEdit: store[setting]
@@ -122,7 +122,7 @@ Item {
                         objectName: "customBreakPrompt"
                         text: qsTr("Custom break prompt")
                         checked: root.prefState.customBreakPrompt
-                        onToggled: root.prefState.customBreakPrompt = checked
+                        onCheckedChanged: if (checked !== root.prefState.customBreakPrompt) root.prefState.customBreakPrompt = checked
                     }
                     SettingField {
                         store: root.prefState
@@ -191,7 +191,7 @@ Item {
                         objectName: "customLongBreakPrompt"
                         text: qsTr("Custom break prompt")
                         checked: root.prefState.customLongBreakPrompt
-                        onToggled: root.prefState.customLongBreakPrompt = checked
+                        onCheckedChanged: if (checked !== root.prefState.customLongBreakPrompt) root.prefState.customLongBreakPrompt = checked
                     }
                     SettingField {
                         store: root.prefState
@@ -213,7 +213,7 @@ Item {
                     objectName: "forceLongBreak"
                     text: qsTr("Force for long breaks(skip button will not display)")
                     checked: root.prefState.forceLongBreak
-                    onToggled: root.prefState.forceLongBreak = checked
+                    onCheckedChanged: if (checked !== root.prefState.forceLongBreak) root.prefState.forceLongBreak = checked
                 }
             }
 
@@ -229,19 +229,19 @@ Item {
                     objectName: "restartTimerAfterAwake"
                     text: qsTr("Restart timer after Mac awake")
                     checked: root.prefState.restartTimerAfterAwake
-                    onToggled: root.prefState.restartTimerAfterAwake = checked
+                    onCheckedChanged: if (checked !== root.prefState.restartTimerAfterAwake) root.prefState.restartTimerAfterAwake = checked
                 }
                 Switch {
                     objectName: "stopTimerAfterMouseStop"
                     text: qsTr("Stop timer after Mouse stop for 5 mins")
                     checked: root.prefState.stopTimerAfterMouseStop
-                    onToggled: root.prefState.stopTimerAfterMouseStop = checked
+                    onCheckedChanged: if (checked !== root.prefState.stopTimerAfterMouseStop) root.prefState.stopTimerAfterMouseStop = checked
                 }
                 Switch {
                     objectName: "showNewDayTip"
                     text: qsTr("Show a new day prompt")
                     checked: root.prefState.showNewDayTip
-                    onToggled: root.prefState.showNewDayTip = checked
+                    onCheckedChanged: if (checked !== root.prefState.showNewDayTip) root.prefState.showNewDayTip = checked
                 }
             }
         }

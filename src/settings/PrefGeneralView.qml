@@ -10,7 +10,7 @@ Item {
     id: root
     objectName: "generalView"
 
-    required property PrefState prefState
+    required property QtObject prefState
 
     GridLayout {
         x: 16 + 12
@@ -27,7 +27,7 @@ Item {
             objectName: "launchAtLogin"
             text: qsTr("Launch at login")
             checked: root.prefState.launchAtLogin
-            onToggled: root.prefState.launchAtLogin = checked
+            onCheckedChanged: if (checked !== root.prefState.launchAtLogin) root.prefState.launchAtLogin = checked
         }
 
         Label {
@@ -38,7 +38,7 @@ Item {
             objectName: "showTime"
             text: qsTr("Show time in StatusBar")
             checked: root.prefState.showTime
-            onToggled: root.prefState.showTime = checked
+            onCheckedChanged: if (checked !== root.prefState.showTime) root.prefState.showTime = checked
         }
 
         // Absent from a build whose updates come from the package manager.
@@ -52,7 +52,7 @@ Item {
             visible: root.prefState.updateChecksBuiltIn
             text: qsTr("Auto check update for Lulltide")
             checked: root.prefState.autoCheckUpdate
-            onToggled: root.prefState.autoCheckUpdate = checked
+            onCheckedChanged: if (checked !== root.prefState.autoCheckUpdate) root.prefState.autoCheckUpdate = checked
         }
 
         Label {

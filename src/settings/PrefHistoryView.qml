@@ -12,8 +12,8 @@ Item {
     id: root
     objectName: "historyView"
 
-    required property PrefState prefState
-    required property HistoryModel historyModel
+    required property QtObject prefState
+    required property QtObject historyModel
     property int days: 7
     // The day the pointer is on in the month's chart, whose columns have no room for text.
     property int pointedDay: -1
@@ -45,7 +45,7 @@ Item {
                 objectName: "keepHistory"
                 text: qsTr("Keep a history of my breaks")
                 checked: root.prefState.keepHistory
-                onToggled: root.prefState.keepHistory = checked
+                onCheckedChanged: if (checked !== root.prefState.keepHistory) root.prefState.keepHistory = checked
             }
             Item {
                 Layout.fillWidth: true

@@ -9,7 +9,7 @@ Item {
     id: root
     objectName: "styleView"
 
-    required property PrefStyleState styleState
+    required property QtObject styleState
 
     SystemPalette {
         id: colors

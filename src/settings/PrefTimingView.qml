@@ -10,7 +10,7 @@ Item {
     id: root
     objectName: "timingView"
 
-    required property PrefState prefState
+    required property QtObject prefState
     // The fields of both sections line up under one another.
     readonly property real labelWidth: 90
 
@@ -41,7 +41,7 @@ Item {
                     Layout.columnSpan: 2
                     text: qsTr("Tell me before a break")
                     checked: root.prefState.headsUp
-                    onToggled: root.prefState.headsUp = checked
+                    onCheckedChanged: if (checked !== root.prefState.headsUp) root.prefState.headsUp = checked
                 }
                 PrefBreakView.RowLabel {
                     Layout.minimumWidth: root.labelWidth
@@ -86,7 +86,7 @@ Item {
                     Layout.columnSpan: 2
                     text: qsTr("Allow postponing breaks")
                     checked: root.prefState.allowPostpone
-                    onToggled: root.prefState.allowPostpone = checked
+                    onCheckedChanged: if (checked !== root.prefState.allowPostpone) root.prefState.allowPostpone = checked
                 }
                 PrefBreakView.RowLabel {
                     Layout.minimumWidth: root.labelWidth
@@ -151,7 +151,7 @@ Item {
                     objectName: "holdBreaks"
                     text: qsTr("Hold breaks while I am presenting, in a call or watching full screen")
                     checked: root.prefState.holdBreaks
-                    onToggled: root.prefState.holdBreaks = checked
+                    onCheckedChanged: if (checked !== root.prefState.holdBreaks) root.prefState.holdBreaks = checked
                 }
                 Label {
                     Layout.fillWidth: true

@@ -12,9 +12,9 @@ Page {
     objectName: "preferencesView"
     anchors.fill: parent
 
-    required property PrefState prefState
+    required property QtObject prefState
     required property var appInfo
-    required property HistoryModel historyModel
+    required property QtObject historyModel
 
     header: TabBar {
         id: tabs

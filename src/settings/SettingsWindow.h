@@ -21,6 +21,13 @@ Updater& updater();
 
 // The history file the History tab reads; set by the program before the window is first made.
 void setHistoryStore(HistoryStore* store);
+HistoryStore* historyStoreToShow();
+
+// Where no process of its own shows the window (the tests), `open` shows it in this one.
+void openInThisProcessWith(void (*open)());
+
+// From now on the window opens in a process of its own, `program --settings-window`.
+void showThrough(const QString& program);
 
 // Opens the settings window (made on first use, reused after) and brings it to the front.
 void show();

@@ -3,6 +3,7 @@
 
 #include "TestSupport.h"
 #include "break/WindowController.h"
+#include "settings/SettingsView.h"
 
 #include <QApplication>
 #include <QtTest>
@@ -26,13 +27,15 @@ int runTests(int argc, char* argv[], ChildMain childMain = nullptr,
     if (childMain && !mode.isEmpty()) {
         QApplication app(argc, argv);
         WindowController::install();
+        SettingsView::install();
         return childMain(mode);
     }
     isolateUserDirs();
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    // The break windows, as the program installs them at launch.
+    // The break windows and the settings window, in this process.
     WindowController::install();
+    SettingsView::install();
     TestClass test;
     return QTest::qExec(&test, argc, argv);
 }

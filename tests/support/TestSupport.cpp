@@ -247,6 +247,23 @@ QStringList visibleWindowsOf(qint64 pid, const QProcessEnvironment& environment)
     return windows;
 }
 
+bool askWindowToClose(const QString& window)
+{
+    Display* display = XOpenDisplay(nullptr);
+    if (!display)
+        return false;
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = Window(window.toULong());
+    event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = long(XInternAtom(display, "WM_DELETE_WINDOW", False));
+    event.xclient.data.l[1] = CurrentTime;
+    XSendEvent(display, event.xclient.window, False, NoEventMask, &event);
+    XCloseDisplay(display); // flushes the request
+    return true;
+}
+
 QStringList searchWindows(const QStringList& arguments, const QProcessEnvironment& environment)
 {
     for (int attempt = 0;; ++attempt) {

@@ -78,6 +78,10 @@ QList<qint64> processTree(qint64 pid);
 QStringList visibleWindowsOf(qint64 pid,
                              const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
 
+// Asks the window to close as a window manager's close button does (WM_DELETE_WINDOW), on the
+// display of this process's environment. False when the display cannot be opened.
+bool askWindowToClose(const QString& window);
+
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);
 

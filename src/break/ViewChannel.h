@@ -6,18 +6,22 @@
 
 class QLocalSocket;
 
-// One end of the connection between Lulltide and its break-screen process: a local socket pair
-// that carries one JSON object per line each way.
-class BreakChannel : public QObject {
+// One end of the connection between Lulltide and a process of its own that shows views (the
+// break screen, the settings window): a local socket pair that carries one JSON object per line
+// each way.
+class ViewChannel : public QObject {
     Q_OBJECT
 
 public:
-    // The break-screen process finds its end here.
+    // Where such a process finds its end.
     static constexpr int childDescriptor = 3;
 
     // Takes over the connected socket `descriptor`; false (and the descriptor closed) when it is
-    // no local socket, or, `fromParent`, when the parent process did not make it.
-    bool open(int descriptor, bool fromParent = false);
+    // no local socket.
+    bool open(int descriptor);
+    // In the view process: takes over its end, made by the parent process, and sends the
+    // process's log records there. False when this process was not started by Lulltide.
+    bool openToParent();
     bool isOpen() const;
 
     void send(const QJsonObject& message);

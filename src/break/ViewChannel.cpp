@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "BreakChannel.h"
+#include "ViewChannel.h"
+
+#include "logging/ForwardingLogHandler.h"
+#include "logging/LoggingSystem.h"
 
 #include <QJsonDocument>
 #include <QLocalSocket>
@@ -35,9 +38,9 @@ bool madeByParent(int descriptor)
 
 } // namespace
 
-bool BreakChannel::open(int descriptor, bool fromParent)
+bool ViewChannel::open(int descriptor)
 {
-    if (!isLocalStreamSocket(descriptor) || (fromParent && !madeByParent(descriptor))) {
+    if (!isLocalStreamSocket(descriptor)) {
         ::close(descriptor);
         return false;
     }
@@ -47,17 +50,29 @@ bool BreakChannel::open(int descriptor, bool fromParent)
         ::close(descriptor);
         return false;
     }
-    connect(m_socket, &QLocalSocket::readyRead, this, &BreakChannel::readLines);
-    connect(m_socket, &QLocalSocket::disconnected, this, &BreakChannel::closed);
+    connect(m_socket, &QLocalSocket::readyRead, this, &ViewChannel::readLines);
+    connect(m_socket, &QLocalSocket::disconnected, this, &ViewChannel::closed);
     return true;
 }
 
-bool BreakChannel::isOpen() const
+bool ViewChannel::openToParent()
+{
+    if (!isLocalStreamSocket(childDescriptor) || !madeByParent(childDescriptor) || !open(childDescriptor))
+        return false;
+    LoggingSystem::bootstrap([this](const QString&) {
+        return std::make_unique<ForwardingLogHandler>([this](LogLevel level, const QString& message) {
+            send({{QStringLiteral("log"), int(level)}, {QStringLiteral("text"), message}});
+        });
+    });
+    return true;
+}
+
+bool ViewChannel::isOpen() const
 {
     return m_socket && m_socket->state() == QLocalSocket::ConnectedState;
 }
 
-void BreakChannel::send(const QJsonObject& message)
+void ViewChannel::send(const QJsonObject& message)
 {
     if (!isOpen())
         return;
@@ -65,13 +80,13 @@ void BreakChannel::send(const QJsonObject& message)
     m_socket->flush();
 }
 
-void BreakChannel::close()
+void ViewChannel::close()
 {
     if (m_socket)
         m_socket->disconnectFromServer();
 }
 
-void BreakChannel::drain()
+void ViewChannel::drain()
 {
     if (!m_socket)
         return;
@@ -79,7 +94,7 @@ void BreakChannel::drain()
     readLines();
 }
 
-void BreakChannel::readLines()
+void ViewChannel::readLines()
 {
     while (m_socket->canReadLine()) {
         const QByteArray line = m_socket->readLine(longestLine);
