@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QJsonValue>
 #include <QMetaProperty>
+#include <QQuickWindow>
 #include <QWindow>
 #include <cstdio>
 
@@ -40,9 +41,15 @@ std::optional<int> SettingsChild::start()
     forwardChanges(prefs.styleState());
 
     SettingsView::show();
-    for (const QWindow* window : QGuiApplication::topLevelWindows()) {
-        if (window->isVisible())
-            return std::nullopt; // it ends with the last window closed
+    for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        auto* quickWindow = qobject_cast<QQuickWindow*>(window);
+        if (!quickWindow || !window->isVisible())
+            continue;
+        // Lulltide hears when the first frame is on the screen (its benchmark does).
+        connect(
+            quickWindow, &QQuickWindow::frameSwapped, this,
+            [this] { m_channel.send({{QStringLiteral("drawn"), true}}); }, Qt::SingleShotConnection);
+        return std::nullopt; // it ends with the last window closed
     }
     return ViewCannotBeMade;
 }

@@ -31,8 +31,18 @@ void SettingsProcess::show()
     m_process->start();
 }
 
+void SettingsProcess::close()
+{
+    if (m_process)
+        std::exchange(m_process, nullptr)->retire();
+}
+
 void SettingsProcess::received(const QJsonObject& message)
 {
+    if (message.value(QStringLiteral("drawn")).toBool()) {
+        emit drawn();
+        return;
+    }
     const QByteArray name = message.value(QStringLiteral("setting")).toString().toLatin1();
     if (name.isEmpty())
         return;

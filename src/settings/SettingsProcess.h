@@ -19,6 +19,12 @@ public:
 
     // Opens the settings window, or brings the open one to the front.
     void show();
+    // Closes the window: its process ends.
+    void close();
+
+signals:
+    // The first frame of a newly opened window is on the screen.
+    void drawn();
 
 private:
     void received(const QJsonObject& message);
