@@ -5,9 +5,11 @@
 #include "logging/LoggingSystem.h"
 
 #include <QJsonDocument>
-#include <QLocalSocket>
+#include <QSocketNotifier>
+#include <cerrno>
 #include <utility>
 
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,7 +17,7 @@
 namespace {
 
 // A message is a few hundred bytes; a line longer than this is not one of ours.
-constexpr qint64 longestLine = 1 << 20;
+constexpr qsizetype longestLine = 1 << 20;
 
 bool isLocalStreamSocket(int descriptor)
 {
@@ -44,14 +46,14 @@ bool ViewChannel::open(int descriptor)
         ::close(descriptor);
         return false;
     }
-    m_socket = new QLocalSocket(this);
-    if (!m_socket->setSocketDescriptor(descriptor)) {
-        delete std::exchange(m_socket, nullptr);
-        ::close(descriptor);
-        return false;
-    }
-    connect(m_socket, &QLocalSocket::readyRead, this, &ViewChannel::readLines);
-    connect(m_socket, &QLocalSocket::disconnected, this, &ViewChannel::closed);
+    fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) | O_NONBLOCK);
+    fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    m_descriptor = descriptor;
+    m_reader = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
+    connect(m_reader, &QSocketNotifier::activated, this, &ViewChannel::readAvailable);
+    m_writer = new QSocketNotifier(descriptor, QSocketNotifier::Write, this);
+    m_writer->setEnabled(false);
+    connect(m_writer, &QSocketNotifier::activated, this, &ViewChannel::flush);
     return true;
 }
 
@@ -69,42 +71,91 @@ bool ViewChannel::openToParent()
 
 bool ViewChannel::isOpen() const
 {
-    return m_socket && m_socket->state() == QLocalSocket::ConnectedState;
+    return m_descriptor >= 0;
 }
 
 void ViewChannel::send(const QJsonObject& message)
 {
     if (!isOpen())
         return;
-    m_socket->write(QJsonDocument(message).toJson(QJsonDocument::Compact) + '\n');
-    m_socket->flush();
+    m_output += QJsonDocument(message).toJson(QJsonDocument::Compact) + '\n';
+    flush();
+}
+
+void ViewChannel::flush()
+{
+    while (isOpen() && !m_output.isEmpty()) {
+        const ssize_t written = ::send(m_descriptor, m_output.constData(), size_t(m_output.size()), MSG_NOSIGNAL);
+        if (written > 0) {
+            m_output.remove(0, written);
+        } else if (written < 0 && errno == EINTR) {
+            continue;
+        } else if (written < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
+            m_writer->setEnabled(true); // the rest when the other end has read
+            return;
+        } else {
+            closeNow();
+            emit closed();
+            return;
+        }
+    }
+    if (m_writer)
+        m_writer->setEnabled(false);
 }
 
 void ViewChannel::close()
 {
-    if (m_socket)
-        m_socket->disconnectFromServer();
+    if (!isOpen())
+        return;
+    // What is still to send goes first, as far as it can without waiting.
+    flush();
+    closeNow();
+}
+
+void ViewChannel::closeNow()
+{
+    if (!isOpen())
+        return;
+    delete std::exchange(m_reader, nullptr);
+    delete std::exchange(m_writer, nullptr);
+    ::close(std::exchange(m_descriptor, -1));
 }
 
 void ViewChannel::drain()
 {
-    if (!m_socket)
-        return;
-    m_socket->waitForReadyRead(0);
-    readLines();
+    readAvailable();
 }
 
-void ViewChannel::readLines()
+void ViewChannel::readAvailable()
 {
-    while (m_socket->canReadLine()) {
-        const QByteArray line = m_socket->readLine(longestLine);
-        const QJsonDocument document = QJsonDocument::fromJson(line);
+    bool ended = false;
+    char chunk[4096];
+    while (isOpen()) {
+        const ssize_t got = ::read(m_descriptor, chunk, sizeof chunk);
+        if (got > 0) {
+            m_input.append(chunk, got);
+            continue;
+        }
+        if (got < 0 && errno == EINTR)
+            continue;
+        ended = got == 0 || (errno != EAGAIN && errno != EWOULDBLOCK);
+        break;
+    }
+    qsizetype end = 0;
+    while ((end = m_input.indexOf('\n')) >= 0) {
+        const QJsonDocument document = QJsonDocument::fromJson(m_input.left(end));
+        m_input.remove(0, end + 1);
         // Anything but an object is dropped: neither end acts on what it cannot read.
         if (document.isObject())
             emit received(document.object());
+        if (!isOpen())
+            return; // closed by a receiver
     }
-    if (m_socket->bytesAvailable() > longestLine) {
-        // Garbage without line ends: the peer is not ours.
-        m_socket->abort();
+    // Garbage without line ends: the other end is not ours.
+    if (m_input.size() > longestLine)
+        ended = true;
+    if (ended && isOpen()) {
+        closeNow();
+        emit closed();
     }
 }

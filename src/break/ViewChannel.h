@@ -4,11 +4,12 @@
 #include <QJsonObject>
 #include <QObject>
 
-class QLocalSocket;
+class QSocketNotifier;
 
 // One end of the connection between Lulltide and a process of its own that shows views (the
 // break screen, the settings window): a local socket pair that carries one JSON object per line
-// each way.
+// each way. Plain system calls rather than QLocalSocket, which would bring Qt Network into a
+// build without update checks.
 class ViewChannel : public QObject {
     Q_OBJECT
 
@@ -35,7 +36,13 @@ signals:
     void closed();
 
 private:
-    void readLines();
+    void readAvailable();
+    void flush();
+    void closeNow();
 
-    QLocalSocket* m_socket = nullptr;
+    int m_descriptor = -1;
+    QSocketNotifier* m_reader = nullptr;
+    QSocketNotifier* m_writer = nullptr;
+    QByteArray m_input;
+    QByteArray m_output;
 };
