@@ -6,6 +6,7 @@
 // with no countdown before it); "in process": the windows made in the counting process itself,
 // as Lulltide did before.
 // Run it through bench/break-latency, which gives it a virtual X server and a scratch HOME.
+#include "Latencies.h"
 #include "break/BreakScreenProcess.h"
 #include "break/WindowController.h"
 #include "cycle/AppState.h"
@@ -36,19 +37,6 @@ QList<QQuickWindow*> breakWindows()
     return windows;
 }
 
-void wait(int ms)
-{
-    QEventLoop loop;
-    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-void report(const char* what, QList<double> latencies)
-{
-    std::sort(latencies.begin(), latencies.end());
-    std::printf("%s (%lld breaks): median %.1f ms, max %.1f ms\n", what, static_cast<long long>(latencies.size()),
-                latencies.at(latencies.size() / 2), latencies.last());
-}
 
 } // namespace
 
@@ -96,11 +84,11 @@ int main(int argc, char* argv[])
             TicktackController::work(0); // up on the first tick, one second from now
             frameShown.exec();
             AppState::promptState().closePrompt();
-            wait(200);
+            Latencies::wait(200);
         }
         const double first = latencies.takeFirst();
         std::printf("in process, first break (QML engine made): %.1f ms\n", first);
-        report("in process, later breaks", latencies);
+        Latencies::report("in process, later breaks", "breaks", latencies);
         return 0;
     }
 
@@ -112,20 +100,20 @@ int main(int argc, char* argv[])
         TicktackController::work(BreakScreenProcess::startAheadSeconds - 5);
         frameShown.exec();
         AppState::promptState().closePrompt();
-        wait(200);
+        Latencies::wait(200);
     }
-    report("break-screen process started ahead", latencies);
+    Latencies::report("break-screen process started ahead", "breaks", latencies);
 
     latencies.clear();
     for (int round = 0; round < std::max(3, rounds / 4); ++round) {
         TicktackController::work(3600); // no break near: no process
-        wait(200);
+        Latencies::wait(200);
         clock.start();
         AppState::promptState().showBreak();
         frameShown.exec();
         AppState::promptState().closePrompt();
-        wait(200);
+        Latencies::wait(200);
     }
-    report("break-screen process started on demand", latencies);
+    Latencies::report("break-screen process started on demand", "breaks", latencies);
     return 0;
 }

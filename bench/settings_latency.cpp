@@ -5,6 +5,7 @@
 // request; "in process": the window made in the counting process itself, as Lulltide did before
 // (the first time with the QML engine, then the kept window shown again).
 // Run it through bench/settings-latency, which gives it a virtual X server and a scratch HOME.
+#include "Latencies.h"
 #include "settings/SettingsProcess.h"
 #include "settings/SettingsView.h"
 #include "settings/SettingsWindow.h"
@@ -19,20 +20,6 @@
 #include <cstring>
 
 namespace {
-
-void wait(int ms)
-{
-    QEventLoop loop;
-    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-void report(const char* what, QList<double> latencies)
-{
-    std::sort(latencies.begin(), latencies.end());
-    std::printf("%s (%lld openings): median %.1f ms, max %.1f ms\n", what, static_cast<long long>(latencies.size()),
-                latencies.at(latencies.size() / 2), latencies.last());
-}
 
 QQuickWindow* settingsWindow()
 {
@@ -73,10 +60,10 @@ int main(int argc, char* argv[])
                 Qt::SingleShotConnection);
             drawn.exec();
             window->close();
-            wait(300);
+            Latencies::wait(300);
         }
         std::printf("in process, first opening (QML engine made): %.1f ms\n", latencies.takeFirst());
-        report("in process, later openings", latencies);
+        Latencies::report("in process, later openings", "openings", latencies);
         return 0;
     }
 
@@ -90,8 +77,8 @@ int main(int argc, char* argv[])
         settings.show();
         drawn.exec();
         settings.close();
-        wait(500);
+        Latencies::wait(500);
     }
-    report("settings window's own process", latencies);
+    Latencies::report("settings window's own process", "openings", latencies);
     return 0;
 }
