@@ -13,6 +13,7 @@
 #include "cycle/PromptState.h"
 #include "cycle/TicktackController.h"
 #include "cycle/TicktackState.h"
+#include "statusbar/StatusBarController.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -61,6 +62,8 @@ int main(int argc, char* argv[])
         if (up)
             clock.start();
     });
+    // The status item's subscription opens the break when time is up.
+    StatusBarController::item();
 
     if (inProcess) {
         WindowController::install();

@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "BreakScreenChild.h"
 
+#include "QmlEngine.h"
 #include "WindowController.h"
 
 #include <QGuiApplication>
 #include <QQuickWindow>
 #include <cstdio>
 #include <memory>
+
+BreakScreenChild::~BreakScreenChild()
+{
+    QmlEngine::deleteWindows();
+}
 
 std::optional<int> BreakScreenChild::start()
 {

@@ -21,6 +21,8 @@ public:
     // Opens the connection to Lulltide, sends the log there, and makes the windows; the exit
     // code when that fails. Needs the QGuiApplication.
     std::optional<int> start();
+    // The windows go first: their views show m_state.
+    ~BreakScreenChild() override;
 
 private:
     void apply(const QJsonObject& message);

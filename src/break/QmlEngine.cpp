@@ -74,19 +74,24 @@ QQmlEngine& engine()
         // The windows and the engine live as long as the process; they go as it ends (while
         // the platform is still there), so that the JavaScript heap is handed back in order.
         qAddPostRoutine([] {
-            for (QWindow* window : QGuiApplication::allWindows()) {
-                if (!qobject_cast<QQuickWindow*>(window))
-                    continue;
-                // What reacts to a window's signals must not meet it half destroyed.
-                window->disconnect();
-                delete window;
-            }
+            deleteWindows();
             delete &engine();
         });
         made = created;
         return created;
     }();
     return *qmlEngine;
+}
+
+void deleteWindows()
+{
+    for (QWindow* window : QGuiApplication::allWindows()) {
+        if (!qobject_cast<QQuickWindow*>(window))
+            continue;
+        // What reacts to a window's signals must not meet it half destroyed.
+        window->disconnect();
+        delete window;
+    }
 }
 
 void releaseMemory()

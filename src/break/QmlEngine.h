@@ -23,6 +23,9 @@ QUrl viewUrl(const QString& viewName);
 // installation: a QML module missing) is logged with Qt's reasons, and the result is null.
 QObject* create(const QString& viewName, const QVariantMap& properties);
 
+// Deletes every Qt Quick window with its view: before what the views show goes, and at the end.
+void deleteWindows();
+
 // Collects the script heap's garbage and gives freed heap pages back to the system; does
 // nothing before the engine is made.
 void releaseMemory();

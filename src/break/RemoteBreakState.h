@@ -13,7 +13,7 @@ class RemoteBreakState : public QObject {
     Q_PROPERTY(bool showSkipButton READ showSkipButton NOTIFY showSkipButtonChanged)
     Q_PROPERTY(bool showPostponeButton READ showPostponeButton NOTIFY showPostponeButtonChanged)
     Q_PROPERTY(QString timeString READ timeString NOTIFY timeStringChanged)
-    Q_PROPERTY(bool timesUp READ timesUp CONSTANT)
+    Q_PROPERTY(bool timesUp READ timesUp NOTIFY timesUpChanged)
 
 public:
     using QObject::QObject;
@@ -37,6 +37,8 @@ signals:
     void showSkipButtonChanged();
     void showPostponeButtonChanged();
     void timeStringChanged();
+    // Never raised: the view's reaction to the end of a break is Lulltide's own here.
+    void timesUpChanged();
     void skipRequested();
     void postponeRequested();
 
