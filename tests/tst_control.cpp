@@ -78,7 +78,7 @@ class ControlTest : public QObject {
             finished.wait(15000);
         return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
                 QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
+                TestSupport::clientErrors(process.readAllStandardError())};
     }
 
     static QString status() { return lulltide({"--status"}).out.trimmed(); }
