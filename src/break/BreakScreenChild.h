@@ -7,7 +7,7 @@
 #include <QObject>
 #include <optional>
 
-// The break-screen process (`lulltide --break-screen`, started by Lulltide itself): it makes the
+// The break-screen process (`lulltide-views --break-screen`, started by Lulltide itself): it makes the
 // break windows ahead of the break, shows them when told, sends Skip and Postpone back, and ends
 // with the break. The process that counts never loads Qt Quick, and what a break costs goes
 // with this one.

@@ -9,7 +9,7 @@
 
 class ViewProcess;
 
-// The break windows of a process of their own (`lulltide --break-screen`): started a few
+// The break windows of a process of their own (`lulltide-views --break-screen`): started a few
 // seconds before a break is due, so that the break appears at once, and ended with the break,
 // so that nothing of Qt Quick, the views or the graphics stack stays in the process that counts.
 // A break-screen process that dies during a break is started again; one that cannot make its

@@ -7,8 +7,8 @@
 
 class ViewChannel;
 
-// A process of Lulltide's own that shows Qt Quick views (`lulltide --break-screen`,
-// `lulltide --settings-window`), and the connection to it. What it logs goes to this process's
+// A process of Lulltide's own that shows Qt Quick views (`lulltide-views --break-screen`,
+// `lulltide-views --settings-window`), and the connection to it. What it logs goes to this process's
 // log. It deletes itself once it has ended.
 class ViewProcess : public QObject {
     Q_OBJECT

@@ -6,7 +6,7 @@
 #include <QObject>
 #include <optional>
 
-// The settings window's process (`lulltide --settings-window`, started by Lulltide itself): it
+// The settings window's process (`lulltide-views --settings-window`, started by Lulltide itself): it
 // shows the window, reads and writes the settings file as the window always has, tells Lulltide
 // of every setting changed, and ends when the window closes.
 class SettingsChild : public QObject {

@@ -7,7 +7,7 @@
 
 class ViewProcess;
 
-// The settings window of a process of its own (`lulltide --settings-window`), which ends when
+// The settings window of a process of its own (`lulltide-views --settings-window`), which ends when
 // the window closes: what Qt Quick and the tabs cost goes with it. Each setting changed there
 // is applied here too, through the same setter the window would have called.
 class SettingsProcess : public QObject {
