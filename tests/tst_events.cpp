@@ -368,9 +368,10 @@ private slots:
 
         // The witness proves the key went by. Another test's window on the same display may take
         // the focus meanwhile: then the witness takes it back and the key goes again.
-        for (int attempt = 0; attempt < 5 && witness.releases == 0; ++attempt) {
+        for (int attempt = 0; attempt < 8 && witness.releases == 0; ++attempt) {
             witness.activateWindow();
-            QVERIFY(QTest::qWaitForWindowActive(&witness));
+            if (!QTest::qWaitForWindowActive(&witness))
+                continue;
             xdotool({"key", "a"});
             if (QTest::qWaitFor([&] { return witness.releases > 0; }, 4000))
                 break;
