@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/ManualTickSource.h"
+#include "support/StandInPowerManagement.h"
 #include "support/TestMain.h"
 
 #include "control/ControlService.h"
@@ -706,6 +707,32 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(viewProcesses(instance).isEmpty(), 10000);
         QVERIFY(visibleWindows(instance).isEmpty());
         QVERIFY(status().startsWith("working "));
+    }
+
+    void aHeldBreakKeepsNoBreakScreenProcessWhileItWaits()
+    {
+        // A player that keeps the session awake holds the break.
+        QDBusConnection bus = QDBusConnection::sessionBus();
+        StandInPowerManagement power(bus);
+        QVERIFY(power.start());
+        const auto gone = qScopeGuard([&bus] {
+            bus.unregisterService(QStringLiteral("org.freedesktop.PowerManagement"));
+            bus.unregisterObject(QStringLiteral("/org/freedesktop/PowerManagement/Inhibit"));
+        });
+        power.setInhibit(true);
+        Instance instance;
+        start(instance, "work_time=0.25\nbreak_time=200\nhold_breaks=true\n");
+        QTRY_VERIFY_WITH_TIMEOUT(!viewProcesses(instance).isEmpty(), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("held "), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(viewProcesses(instance).isEmpty(), 10000);
+        QVERIFY(visibleWindows(instance).isEmpty());
+
+        // The hold ends: the break opens on demand.
+        power.setInhibit(false);
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(!visibleWindows(instance).isEmpty(), 30000);
+        QCOMPARE(lulltide({"--skip"}).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(viewProcesses(instance).isEmpty(), 10000);
     }
 
     void aBreakScreenKilledDuringABreakComesBackAndTheBreakGoesOn()

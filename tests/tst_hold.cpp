@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/StandInPowerManagement.h"
 #include "support/TestMain.h"
 
 #include "hold/DBusPropertyHoldSource.h"
@@ -95,36 +96,6 @@ public:
 private:
     QDBusConnection m_bus;
     bool m_inhibited = false;
-};
-
-// org.freedesktop.PowerManagement.Inhibit as KDE's power management offers it.
-class StandInPowerManagement : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.PowerManagement.Inhibit")
-
-public:
-    explicit StandInPowerManagement(const QDBusConnection& bus) : m_bus(bus) {}
-    bool start()
-    {
-        return m_bus.registerObject("/org/freedesktop/PowerManagement/Inhibit", this,
-                                    QDBusConnection::ExportScriptableContents) &&
-               m_bus.registerService("org.freedesktop.PowerManagement");
-    }
-    void setInhibit(bool inhibit)
-    {
-        m_inhibit = inhibit;
-        emit HasInhibitChanged(inhibit);
-    }
-
-public slots:
-    Q_SCRIPTABLE bool HasInhibit() const { return m_inhibit; }
-
-signals:
-    Q_SCRIPTABLE void HasInhibitChanged(bool hasInhibit);
-
-private:
-    QDBusConnection m_bus;
-    bool m_inhibit = false;
 };
 
 // xfconfd, as far as xfce4-notifyd's /do-not-disturb goes.

@@ -4,6 +4,7 @@
 #include "BreakScreenChild.h"
 #include "ViewProcess.h"
 #include "cycle/AppState.h"
+#include "cycle/BreakGate.h"
 #include "cycle/CycleControl.h"
 #include "cycle/CycleEvents.h"
 #include "cycle/PromptState.h"
@@ -40,6 +41,11 @@ BreakScreenProcess::BreakScreenProcess(QString program, QObject* parent)
         if (!AppState::working() && !m_shown)
             retire();
     });
+    // A held break may wait for the length of a film: it opens on demand when the hold ends.
+    connect(&AppState::events(), &CycleEvents::held, this, [this] {
+        if (!m_shown)
+            retire();
+    });
 }
 
 BreakScreenProcess::~BreakScreenProcess()
@@ -74,7 +80,8 @@ void BreakScreenProcess::followCountdown()
 {
     if (m_shown || m_broken)
         return;
-    const bool near = AppState::working() && AppState::workState().secondsLeft() <= startAheadSeconds;
+    const bool near = AppState::working() && !AppState::breakGate().held() &&
+                      AppState::workState().secondsLeft() <= startAheadSeconds;
     if (near && !m_process)
         start();
     else if (!near)

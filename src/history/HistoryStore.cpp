@@ -165,8 +165,12 @@ HistoryStore::Schema HistoryStore::createOrMigrate()
     };
     // The journal beside the file lets a reader (--history) read while a write goes on; NORMAL
     // synchronisation is safe with it and keeps a write short.
+    // A write touches a few pages at the end of the file, and the system caches the file anyway:
+    // SQLite's own page cache (2 MB by default) would only grow in our memory all day as the
+    // file does.
     if (!query.exec(QStringLiteral("PRAGMA journal_mode=WAL")) ||
-        !query.exec(QStringLiteral("PRAGMA synchronous=NORMAL")))
+        !query.exec(QStringLiteral("PRAGMA synchronous=NORMAL")) ||
+        !query.exec(QStringLiteral("PRAGMA cache_size=-128")))
         return failed(query.lastError());
     if (!holdsOnlyTables(query)) {
         // Someone else's view or trigger makes the file unusable, as corruption does.
