@@ -79,7 +79,7 @@ class ControlTest : public QObject {
             finished.wait(15000);
         return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
                 QString::fromUtf8(process.readAllStandardOutput()),
-                TestSupport::clientErrors(process.readAllStandardError())};
+                QString::fromUtf8(process.readAllStandardError())};
     }
 
     static QString status() { return lulltide({"--status"}).out.trimmed(); }

@@ -268,6 +268,20 @@ private slots:
         QVERIFY2(!errors.contains("does not support setting window opacity"), qPrintable(errors));
     }
 
+    void aWaylandStartWithoutAPanelWaitsForNoX11Tray()
+    {
+        Instance instance;
+        start(instance, "work_time=25\n");
+        // The item found no panel: that decision is made, so anything Qt would say of a tray has
+        // been said.
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("nothing in the panel shows Lulltide"), 10000);
+        QCOMPARE(status(instance).left(8), QStringLiteral("working "));
+        instance.process.terminate();
+        QVERIFY(instance.process.waitForFinished(5000));
+        const QString errors = QString::fromUtf8(instance.process.readAllStandardError());
+        QVERIFY2(!errors.contains("systemTrayWindowChanged"), qPrintable(errors));
+    }
+
     void kwinTellsOfIdlenessAfterTheTimeoutAndOfThePersonComingBack()
     {
         useCompositor(kwinSocket);

@@ -2,6 +2,7 @@
 #include "AppDelegate.h"
 #include "ApplicationLook.h"
 #include "TerminationSignals.h"
+#include "control/BusExitOrder.h"
 #include "control/CommandLine.h"
 #include "control/ControlService.h"
 #include "logging/Logger.h"
@@ -12,6 +13,7 @@
 
 int main(int argc, char* argv[])
 {
+    BusExitOrder::keepTypesPastTheBusThread();
     // The command line first, with no GUI object: it must answer over ssh, from cron or a
     // typing error without a display, and most of its requests go to the running Lulltide.
     // A plain launch skips it: its QApplication must be the process's only application object,

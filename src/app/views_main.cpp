@@ -4,6 +4,7 @@
 // process that counts all day never loads Qt Quick.
 #include "ApplicationLook.h"
 #include "break/BreakScreenChild.h"
+#include "control/BusExitOrder.h"
 #include "settings/SettingsChild.h"
 
 #include <QApplication>
@@ -29,6 +30,7 @@ int run(int argc, char* argv[])
 
 int main(int argc, char* argv[])
 {
+    BusExitOrder::keepTypesPastTheBusThread();
     if (argc == 2 && std::strcmp(argv[1], "--break-screen") == 0)
         return run<BreakScreenChild, QGuiApplication>(argc, argv);
     // The History tab's chart is drawn by Qt Charts, which rests on Qt Widgets.

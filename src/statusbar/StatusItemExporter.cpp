@@ -8,6 +8,7 @@
 #include "TrayIcon.h"
 #include "notifications/PanelAbsenceNotice.h"
 
+#include <QGuiApplication>
 #include <QPointer>
 
 namespace StatusItemExporter {
@@ -28,6 +29,10 @@ void showTrayIcon(StatusItem& item, const QString& why)
     if (trayIcon)
         return;
     PanelAbsenceNotice::noStatusNotifierPanel(why);
+    // The classic tray is an X11 window protocol: elsewhere only a StatusNotifierWatcher can
+    // show the item, and Qt's tray icon would only wait for an X11 tray that cannot come.
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        return;
     trayIcon = new TrayIcon(item, popupMenu(item), &item);
 }
 

@@ -3,6 +3,7 @@
 
 #include "TestSupport.h"
 #include "break/WindowController.h"
+#include "control/BusExitOrder.h"
 #include "settings/SettingsView.h"
 
 #include <QApplication>
@@ -21,6 +22,7 @@ template <typename TestClass>
 int runTests(int argc, char* argv[], ChildMain childMain = nullptr,
              BeforeApplication beforeApplication = nullptr)
 {
+    BusExitOrder::keepTypesPastTheBusThread();
     if (beforeApplication)
         beforeApplication();
     const QByteArray mode = qgetenv("LULLTIDE_TEST_CHILD");

@@ -304,17 +304,8 @@ ChildResult runChild(const QByteArray& mode, const QProcessEnvironment& environm
     result.crashed = child.exitStatus() == QProcess::CrashExit;
     result.exitCode = child.exitCode();
     result.standardOutput = QString::fromUtf8(child.readAllStandardOutput());
-    result.standardError = clientErrors(child.readAllStandardError());
+    result.standardError = QString::fromUtf8(child.readAllStandardError());
     return result;
-}
-
-QString clientErrors(const QByteArray& standardError)
-{
-    QStringList lines = QString::fromUtf8(standardError).split(u'\n');
-    lines.removeIf([](const QString& line) {
-        return line.startsWith(QLatin1String("Trying to construct an instance of an invalid type, type id: "));
-    });
-    return lines.join(u'\n');
 }
 
 bool waitForEnd(QProcess& process, int ms)

@@ -70,11 +70,6 @@ QQuickItem* findItem(QQuickItem* parent, const QString& objectName);
 QStringList searchWindows(const QStringList& arguments,
                           const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
 
-// A command-line client's standard error without the warning QtDBus may print while such a
-// process ends on a loaded machine ("Trying to construct an instance of an invalid type"),
-// which is not the program's own output.
-QString clientErrors(const QByteArray& standardError);
-
 // The process and all its descendants, as /proc lists them now.
 QList<qint64> processTree(qint64 pid);
 
