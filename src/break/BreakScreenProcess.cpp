@@ -42,10 +42,7 @@ BreakScreenProcess::BreakScreenProcess(QString program, QObject* parent)
             retire();
     });
     // A held break may wait for the length of a film: it opens on demand when the hold ends.
-    connect(&AppState::events(), &CycleEvents::held, this, [this] {
-        if (!m_shown)
-            retire();
-    });
+    connect(&AppState::events(), &CycleEvents::held, this, &BreakScreenProcess::followCountdown);
 }
 
 BreakScreenProcess::~BreakScreenProcess()
