@@ -103,6 +103,11 @@ private slots:
             lines.last().endsWith(" info org.lulltide.Lulltide : sandbox home path: " + QDir::homePath()));
     }
 
+    void theLogSaysOnceWhereIdlenessIsSeenFrom()
+    {
+        QCOMPARE(TestSupport::logLines().filter("pointer idleness from the X server's input events").size(), 1);
+    }
+
     void menuHoldsTheEntriesInOrder()
     {
         QStringList titles;

@@ -771,6 +771,7 @@ private slots:
 
         emit mutter.WatchFired(8); // back at the desk
         QTRY_COMPARE(log().count("ticktack timer start 1500.0"), 2);
+        QCOMPARE(log().count("pointer idleness from GNOME's idle monitor"), 1);
         child.kill();
         child.waitForFinished();
         bus.unregisterService("org.gnome.Mutter.IdleMonitor");

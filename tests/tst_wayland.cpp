@@ -5,6 +5,7 @@
 #include "app/AppDelegate.h"
 #include "cycle/AppState.h"
 #include "cycle/SystemEventController.h"
+#include "cycle/WorkItem.h"
 #include "events/WaylandIdleMonitor.h"
 
 #include <QDir>
@@ -15,6 +16,7 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <unistd.h>
 
 namespace {
 
@@ -23,10 +25,21 @@ namespace {
 // when a pointer move through the compositor starts it again.
 int childMain(const QByteArray& mode)
 {
-    if (mode != "idle-cycle")
+    if (mode != "idle-cycle" && mode != "idle-never")
         return 2;
     SystemEventController::setIdleTimeout(std::chrono::milliseconds(600));
     AppDelegate().applicationDidFinishLaunching();
+    if (mode == "idle-never") {
+        // A moment well past the idle timeout, on the same clock as the timeout itself.
+        bool passed = false;
+        const auto later = WorkItem::schedule(std::chrono::milliseconds(3 * 600), [&passed] { passed = true; });
+        for (int i = 0; i < 100 && !passed; ++i)
+            QTest::qWait(100);
+        if (!passed)
+            return 3;
+        std::puts(AppState::working() ? "still working past the idle timeout" : "stopped");
+        return 0;
+    }
     const auto waitFor = [](bool working) {
         for (int i = 0; i < 100 && AppState::working() != working; ++i)
             QTest::qWait(100);
@@ -57,6 +70,9 @@ class WaylandTest : public QObject {
     QProcess xserver;
     QProcess weston;
     QProcess kwin;
+    QTemporaryDir swayRuntime; // sway's own: it runs as another user when the tests run as root
+    QProcess sway;
+    QString swayDisplay;       // the absolute path of sway's socket
     QString display;
     const QString socket = "wayland-lulltide-test";
     const QString kwinSocket = "wayland-lulltide-kwin";
@@ -171,6 +187,80 @@ class WaylandTest : public QObject {
         QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(runtime.filePath(kwinSocket)), kwinLog().constData(), 20000);
     }
 
+    // sway 1.7 headless with two outputs of 1280×800 side by side. sway refuses to run as root:
+    // then it runs as nobody, in folders given to nobody, and the tests (root) reach its socket
+    // by its absolute path.
+    void startSway()
+    {
+        const bool asRoot = ::getuid() == 0;
+        const QString config = swayRuntime.filePath("config");
+        QFile file(config);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("output HEADLESS-1 mode 1280x800 position 0 0\n"
+                   "output HEADLESS-2 mode 1280x800 position 1280 0\n");
+        file.close();
+        const QString socketFolder = swayRuntime.filePath("run");
+        QVERIFY(QDir().mkpath(socketFolder));
+        QFile::setPermissions(socketFolder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QFile::setPermissions(swayRuntime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner |
+                                                       QFile::ReadOther | QFile::ExeOther);
+        if (asRoot)
+            QCOMPARE(run("chown", {"65534:65534", socketFolder, config}, QProcessEnvironment::systemEnvironment()),
+                     QString());
+        QProcessEnvironment environment;
+        environment.insert("PATH", qEnvironmentVariable("PATH"));
+        environment.insert("HOME", swayRuntime.path());
+        environment.insert("XDG_RUNTIME_DIR", socketFolder);
+        environment.insert("WLR_BACKENDS", "headless");
+        environment.insert("WLR_HEADLESS_OUTPUTS", "2");
+        environment.insert("WLR_LIBINPUT_NO_DEVICES", "1");
+        environment.insert("WLR_RENDERER", "pixman");
+        sway.setProcessEnvironment(environment);
+        sway.setStandardOutputFile(scratch.filePath("sway.log"));
+        sway.setStandardErrorFile(scratch.filePath("sway.log"));
+        QStringList arguments = {"-c", config};
+        if (asRoot) {
+            arguments = QStringList({"--reuid=65534", "--regid=65534", "--clear-groups", "--", "sway"}) + arguments;
+            sway.start("setpriv", arguments);
+        } else {
+            sway.start("sway", arguments);
+        }
+        QVERIFY(sway.waitForStarted());
+        const auto socketOf = [socketFolder] {
+            const QStringList sockets = QDir(socketFolder).entryList({"wayland-*"}, QDir::System);
+            for (const QString& name : sockets) {
+                if (!name.endsWith(".lock"))
+                    return QDir(socketFolder).filePath(name);
+            }
+            return QString();
+        };
+        const auto swayLog = [this] {
+            QFile log(scratch.filePath("sway.log"));
+            return log.open(QIODevice::ReadOnly) ? log.readAll() : QByteArray();
+        };
+        QTRY_VERIFY2_WITH_TIMEOUT(!socketOf().isEmpty(), swayLog().constData(), 20000);
+        swayDisplay = socketOf();
+    }
+
+    // Runs the application in a child on the compositor at `socketName` and returns what it
+    // printed, the log aside; the log is left in `home`.
+    QStringList idleChild(const QByteArray& mode, const QString& socketName, const QString& home)
+    {
+        QProcessEnvironment environment = TestSupport::environmentWithHome(home);
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        environment.insert("XDG_RUNTIME_DIR", runtime.path());
+        environment.insert("WAYLAND_DISPLAY", socketName);
+        const TestSupport::ChildResult child = TestSupport::runChild(mode, environment);
+        QStringList said;
+        for (const QString& line : child.standardOutput.split('\n', Qt::SkipEmptyParts)) {
+            if (!line.contains(" info org.lulltide.Lulltide : "))
+                said << line;
+        }
+        if (child.exitCode != 0)
+            said << QStringLiteral("exit code %1").arg(child.exitCode);
+        return said;
+    }
+
     // Points this process's own Wayland connections at one of the compositors.
     void useCompositor(const QString& socketName)
     {
@@ -218,12 +308,15 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(onX("xdotool", {"getwindowgeometry", second}).contains("Position: 1280,0"),
                                  5000);
         startKWin();
+        startSway();
         // The compositor draws the pointer where X has it (the middle, on an edge we look at).
         onX("xdotool", {"mousemove", "700", "600"});
     }
 
     void cleanupTestCase()
     {
+        sway.terminate();
+        sway.waitForFinished(5000);
         kwin.terminate();
         kwin.waitForFinished(5000);
         weston.terminate();
@@ -303,23 +396,47 @@ private slots:
     void compositorIdlenessStopsTheCycleAndAPointerMoveStartsIt()
     {
         QTemporaryDir home;
-        QProcessEnvironment environment = TestSupport::environmentWithHome(home.path());
-        environment.insert("QT_QPA_PLATFORM", "offscreen");
-        environment.insert("XDG_RUNTIME_DIR", runtime.path());
-        environment.insert("WAYLAND_DISPLAY", kwinSocket);
-        const TestSupport::ChildResult child = TestSupport::runChild("idle-cycle", environment);
-        QCOMPARE(child.exitCode, 0);
-        // (The log goes to standard output too.)
-        QStringList said;
-        for (const QString& line : child.standardOutput.split('\n', Qt::SkipEmptyParts)) {
-            if (!line.contains(" info org.lulltide.Lulltide : "))
-                said << line;
-        }
-        QCOMPARE(said, QStringList({"stopped after idleness", "working again after a pointer move"}));
+        QCOMPARE(idleChild("idle-cycle", kwinSocket, home.path()),
+                 QStringList({"stopped after idleness", "working again after a pointer move"}));
         const QString log = TestSupport::logTextIn(home.path());
-        QCOMPARE(log.count("pointer idleness from the compositor's idle notifications"), 1);
+        QCOMPARE(log.count("pointer idleness from the compositor's idle notifications (ext_idle_notifier_v1)"), 1);
         QVERIFY(!log.contains("no pointer monitor"));
         QCOMPARE(log.count("ticktack timer start 1500.0"), 2);
+    }
+
+    void swayTellsOfIdlenessThroughKdesOlderProtocol()
+    {
+        useCompositor(swayDisplay);
+        WaylandIdleMonitor monitor;
+        QVERIFY(monitor.start(std::chrono::milliseconds(600)));
+        QCOMPARE(monitor.protocol(), QStringLiteral("org_kde_kwin_idle"));
+        QSignalSpy idle(&monitor, &PointerMonitor::idle);
+        QSignalSpy activity(&monitor, &PointerMonitor::activity);
+        QTRY_COMPARE_WITH_TIMEOUT(idle.count(), 1, 5000);
+        QCOMPARE(activity.count(), 0);
+        QVERIFY(FakeInput::movePointer());
+        QTRY_COMPARE_WITH_TIMEOUT(activity.count(), 1, 5000);
+    }
+
+    void onSwayIdlenessStopsTheCycleAndAPointerMoveStartsIt()
+    {
+        QTemporaryDir home;
+        QCOMPARE(idleChild("idle-cycle", swayDisplay, home.path()),
+                 QStringList({"stopped after idleness", "working again after a pointer move"}));
+        const QString log = TestSupport::logTextIn(home.path());
+        QCOMPARE(log.count("pointer idleness from the compositor's idle notifications (org_kde_kwin_idle)"), 1);
+        QVERIFY(!log.contains("no pointer monitor"));
+        QCOMPARE(log.count("ticktack timer start 1500.0"), 2);
+    }
+
+    void onWestonWhichTellsNoIdlenessTheCycleNeverStopsForIt()
+    {
+        QTemporaryDir home;
+        QCOMPARE(idleChild("idle-never", socket, home.path()),
+                 QStringList({"still working past the idle timeout"}));
+        const QString log = TestSupport::logTextIn(home.path());
+        QCOMPARE(log.count("no pointer monitor on the offscreen platform"), 1);
+        QCOMPARE(log.count("ticktack timer start 1500.0"), 1);
     }
 
     void aCompositorWithoutTheProtocolOrNoCompositorLeavesTheMonitorUnstarted()
@@ -340,7 +457,7 @@ private slots:
         instance.process.setProcessEnvironment(environment);
         instance.process.start(LULLTIDE_BINARY, {});
         QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
-        QCOMPARE(instance.log().count("pointer idleness from the compositor's idle notifications"), 1);
+        QCOMPARE(instance.log().count("pointer idleness from the compositor's idle notifications (ext_idle_notifier_v1)"), 1);
         QVERIFY(!instance.log().contains("no pointer monitor"));
     }
 

@@ -56,10 +56,10 @@ void setup()
             if (const auto item = AppState::mouseMoveEventItem())
                 item->runNow();
         });
+        // Arms the idle timeout from the start. Without a monitor nothing would ever move it
+        // on, and the cycle would stop after one timeout of a person working.
+        SystemEventActions::onTrigger();
     }
-
-    // Arms the idle timeout from the start.
-    SystemEventActions::onTrigger();
 }
 
 } // namespace SystemEventController

@@ -11,11 +11,14 @@ struct wl_registry;
 struct wl_seat;
 struct ext_idle_notifier_v1;
 struct ext_idle_notification_v1;
+struct org_kde_kwin_idle;
+struct org_kde_kwin_idle_timeout;
 
-// Idleness as a Wayland compositor tells it through ext-idle-notify-v1 (KDE Plasma, wlroots
-// compositors): a notification that fires once the seat has been idle for the timeout, and
-// again when the user is active, which counts as pointer activity. Uses a Wayland connection of
-// its own, read inside the Qt event loop, so it works whichever platform Qt runs on.
+// Idleness as a Wayland compositor tells it: through ext-idle-notify-v1 (KDE Plasma 5.27,
+// wlroots 0.16+) or, where that is missing, KDE's older org_kde_kwin_idle (sway 1.7, earlier
+// KWin). Both fire once the seat has been idle for the timeout, and again when the user is
+// active, which counts as pointer activity. Uses a Wayland connection of its own, read inside
+// the Qt event loop, so it works whichever platform Qt runs on.
 class WaylandIdleMonitor : public PointerMonitor {
     Q_OBJECT
 
@@ -23,8 +26,11 @@ public:
     explicit WaylandIdleMonitor(QObject* parent = nullptr);
     ~WaylandIdleMonitor() override;
 
-    // False when there is no Wayland compositor or it does not offer the protocol.
+    // False when there is no Wayland compositor or it offers neither protocol.
     bool start(std::chrono::milliseconds timeout);
+
+    // The protocol in use once started, for the log.
+    QString protocol() const;
 
     bool reportsIdleness() const override { return true; }
 
@@ -42,5 +48,7 @@ private:
     wl_seat* m_seat = nullptr;
     ext_idle_notifier_v1* m_notifier = nullptr;
     ext_idle_notification_v1* m_notification = nullptr;
+    org_kde_kwin_idle* m_kdeIdle = nullptr;
+    org_kde_kwin_idle_timeout* m_kdeTimeout = nullptr;
     QSocketNotifier* m_reader = nullptr;
 };

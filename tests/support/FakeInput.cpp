@@ -2,6 +2,7 @@
 #include "FakeInput.h"
 
 #include "fake-input-client-protocol.h"
+#include "wlr-virtual-pointer-client-protocol.h"
 
 #include <wayland-client.h>
 
@@ -10,11 +11,20 @@
 namespace FakeInput {
 namespace {
 
+struct Globals {
+    org_kde_kwin_fake_input* kde = nullptr;
+    zwlr_virtual_pointer_manager_v1* wlr = nullptr;
+};
+
 void global(void* data, wl_registry* registry, uint32_t name, const char* interface, uint32_t)
 {
+    auto* globals = static_cast<Globals*>(data);
     if (std::strcmp(interface, org_kde_kwin_fake_input_interface.name) == 0)
-        *static_cast<org_kde_kwin_fake_input**>(data) = static_cast<org_kde_kwin_fake_input*>(
+        globals->kde = static_cast<org_kde_kwin_fake_input*>(
             wl_registry_bind(registry, name, &org_kde_kwin_fake_input_interface, 1));
+    else if (std::strcmp(interface, zwlr_virtual_pointer_manager_v1_interface.name) == 0)
+        globals->wlr = static_cast<zwlr_virtual_pointer_manager_v1*>(
+            wl_registry_bind(registry, name, &zwlr_virtual_pointer_manager_v1_interface, 1));
 }
 
 void globalRemove(void*, wl_registry*, uint32_t) {}
@@ -28,19 +38,30 @@ bool movePointer()
     wl_display* display = wl_display_connect(nullptr);
     if (!display)
         return false;
-    org_kde_kwin_fake_input* input = nullptr;
+    Globals globals;
     wl_registry* registry = wl_display_get_registry(display);
-    wl_registry_add_listener(registry, &listener, &input);
+    wl_registry_add_listener(registry, &listener, &globals);
     wl_display_roundtrip(display);
-    if (input) {
-        org_kde_kwin_fake_input_authenticate(input, "lulltide tests", "a person at the desk");
-        org_kde_kwin_fake_input_pointer_motion(input, wl_fixed_from_int(7), wl_fixed_from_int(5));
+    if (globals.kde) {
+        org_kde_kwin_fake_input_authenticate(globals.kde, "lulltide tests", "a person at the desk");
+        org_kde_kwin_fake_input_pointer_motion(globals.kde, wl_fixed_from_int(7), wl_fixed_from_int(5));
         wl_display_roundtrip(display);
-        org_kde_kwin_fake_input_destroy(input);
+        org_kde_kwin_fake_input_destroy(globals.kde);
+    } else if (globals.wlr) {
+        // On the compositor's default seat.
+        zwlr_virtual_pointer_v1* pointer =
+            zwlr_virtual_pointer_manager_v1_create_virtual_pointer(globals.wlr, nullptr);
+        zwlr_virtual_pointer_v1_motion(pointer, 0, wl_fixed_from_int(7), wl_fixed_from_int(5));
+        zwlr_virtual_pointer_v1_frame(pointer);
+        wl_display_roundtrip(display);
+        zwlr_virtual_pointer_v1_destroy(pointer);
+        zwlr_virtual_pointer_manager_v1_destroy(globals.wlr);
     }
+    const bool moved = globals.kde || globals.wlr;
+    wl_display_roundtrip(display);
     wl_registry_destroy(registry);
     wl_display_disconnect(display);
-    return input != nullptr;
+    return moved;
 }
 
 } // namespace FakeInput

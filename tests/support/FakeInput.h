@@ -3,11 +3,12 @@
 
 #include <QString>
 
-// A person at the desk, for KWin: moves the pointer through KWin's fake-input protocol
-// (org_kde_kwin_fake_input) on a Wayland connection of its own, as remote-desktop tools do.
+// A person at the desk on Wayland: moves the pointer on a Wayland connection of its own, as
+// remote-desktop tools do, through KWin's fake-input protocol (org_kde_kwin_fake_input) or the
+// wlroots virtual pointer (zwlr_virtual_pointer_manager_v1, sway).
 namespace FakeInput {
 
-// Moves the pointer a little on the compositor at WAYLAND_DISPLAY; false when it has no fake input.
+// Moves the pointer a little on the compositor at WAYLAND_DISPLAY; false when it offers neither.
 bool movePointer();
 
 } // namespace FakeInput
