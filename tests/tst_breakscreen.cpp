@@ -450,6 +450,94 @@ private slots:
         QVERIFY(windowManager.waitForFinished(5000));
     }
 
+    void underAWindowManagerABreakWindowComesBackFromEveryEscape()
+    {
+        QProcess windowManager;
+        windowManager.setProcessEnvironment(onDisplay());
+        windowManager.start("openbox", {});
+        QVERIFY(windowManager.waitForStarted());
+        QTRY_COMPARE_WITH_TIMEOUT(run("xdotool", {"get_num_desktops"}).toInt(), 4, 5000);
+        {
+            Program program;
+            start(program, "work_time=0.05\nbreak_time=300\n");
+            QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 30000);
+            QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 2000);
+            const QString left = windowsNamed("DUMMY0", true).first();
+            const QString right = windowsNamed("EXTRA1", true).first();
+            const QRect leftFrame(0, 0, 1280, 800);
+            const QRect rightFrame(1280, 0, 1024, 768);
+            // On screen, full screen, on its own monitor and on every desktop; what is not, in words.
+            const auto misplaced = [&](const QString& id, const QRect& frame) {
+                QStringList faults;
+                const QString state = run("xprop", {"-id", id, "_NET_WM_STATE", "_NET_WM_DESKTOP"});
+                if (!TestSupport::searchWindows({"--onlyvisible", "--name", "."}, onDisplay()).contains(id))
+                    faults << "not visible";
+                if (geometryOf(id) != frame)
+                    faults << "at " + QString::number(geometryOf(id).x()) + "," + QString::number(geometryOf(id).y());
+                if (!state.contains("_NET_WM_STATE_FULLSCREEN") || state.contains("_NET_WM_STATE_HIDDEN") ||
+                    !state.contains("= 4294967295"))
+                    faults << state;
+                return faults.join("; ");
+            };
+            const auto inPlace = [&](const QString& id, const QRect& frame) { return misplaced(id, frame).isEmpty(); };
+            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(left, leftFrame) && inPlace(right, rightFrame),
+                                      qPrintable(misplaced(left, leftFrame) + " / " + misplaced(right, rightFrame)), 3000);
+            QTRY_COMPARE_WITH_TIMEOUT(run("xdotool", {"getwindowfocus"}), left, 3000);
+            const auto putBack = [&](const QString& monitor, const QString& why) {
+                const QStringList said = program.messages().filter("the break window " + monitor + " put back: ");
+                return !said.filter(why).isEmpty();
+            };
+
+            run("wmctrl", {"-i", "-c", left});
+            QTRY_VERIFY_WITH_TIMEOUT(
+                program.messages().contains("the break window DUMMY0 stays: closing it does not end the break"),
+                5000);
+            QVERIFY(inPlace(left, leftFrame));
+
+            run("xdotool", {"windowminimize", left});
+            QTRY_VERIFY2_WITH_TIMEOUT(putBack("DUMMY0", "minimised"), qPrintable(program.messages().filter("break").join('\n')), 5000);
+            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(left, leftFrame), qPrintable(misplaced(left, leftFrame)), 2000);
+
+            run("wmctrl", {"-i", "-r", right, "-b", "remove,fullscreen"});
+            QTRY_VERIFY_WITH_TIMEOUT(putBack("EXTRA1", "out of full screen"), 5000);
+            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(right, rightFrame), qPrintable(misplaced(right, rightFrame)), 2000);
+
+            run("wmctrl", {"-i", "-r", right, "-t", "2"});
+            QTRY_VERIFY_WITH_TIMEOUT(putBack("EXTRA1", "unmapped"), 5000);
+            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(right, rightFrame), qPrintable(misplaced(right, rightFrame)), 2000);
+
+            run("xdotool", {"windowunmap", left});
+            QTRY_VERIFY_WITH_TIMEOUT(program.messages().filter("the break window DUMMY0 put back: ").size() >= 2, 5000);
+            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(left, leftFrame), qPrintable(misplaced(left, leftFrame)), 2000);
+
+            run("xdotool", {"windowmove", left, "1400", "0"});
+            QTRY_VERIFY2_WITH_TIMEOUT(putBack("DUMMY0", "moved off its screen"),
+                                      qPrintable(program.messages().filter("break").join('\n')), 5000);
+            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(left, leftFrame), qPrintable(misplaced(left, leftFrame)), 2000);
+
+            // Another program's window opens over the break and takes the focus.
+            QProcess other;
+            other.setProcessEnvironment(onDisplay());
+            other.start("xmessage", {"-geometry", "+100+100", "another program"});
+            QVERIFY(other.waitForStarted());
+            QTRY_VERIFY_WITH_TIMEOUT(
+                program.messages().contains("the break took the focus back from another window"), 5000);
+            QTRY_COMPARE_WITH_TIMEOUT(run("xdotool", {"getwindowfocus"}), left, 2000);
+            const QStringList stacking =
+                run("xprop", {"-root", "_NET_CLIENT_LIST_STACKING"}).section("# ", 1).split(", ");
+            QVERIFY2(stacking.last().toULongLong(nullptr, 16) == left.toULongLong() ||
+                         stacking.last().toULongLong(nullptr, 16) == right.toULongLong(),
+                     qPrintable(stacking.join(' ')));
+            other.kill();
+            other.waitForFinished();
+            // Screenshot of the break after all of it, for a person to look at.
+            run("import", {"-window", "root", QDir::current().filePath("breakscreen-after-escapes.png")});
+            QCOMPARE(breakScreenFaultsAfterWaiting(3000), QString());
+        }
+        windowManager.terminate();
+        QVERIFY(windowManager.waitForFinished(5000));
+    }
+
     void monitorUnpluggedDuringABreakLeavesNoBreakWindowBehind()
     {
         Program program;

@@ -21,8 +21,9 @@ std::optional<int> BreakScreenChild::start()
         return NotStartedByLulltide;
     }
     connect(&m_channel, &ViewChannel::received, this, &BreakScreenChild::apply);
-    // Lulltide ended or is done with the break.
-    connect(&m_channel, &ViewChannel::closed, qApp, &QCoreApplication::quit);
+    // Lulltide ended or is done with the break. exit(), not quit(): quit() first asks every
+    // window to close, and a break window refuses while its break is on.
+    connect(&m_channel, &ViewChannel::closed, qApp, [] { QCoreApplication::exit(0); });
     connect(&m_state, &RemoteBreakState::skipRequested, this,
             [this] { m_channel.send({{QStringLiteral("action"), QStringLiteral("skip")}}); });
     connect(&m_state, &RemoteBreakState::postponeRequested, this,
@@ -50,7 +51,7 @@ void BreakScreenChild::apply(const QJsonObject& message)
         tellWhenDrawn();
     } else if (!shown) {
         // The break is over (or will not come): the windows go with the process.
-        QCoreApplication::quit();
+        QCoreApplication::exit(0);
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "WindowController.h"
 
+#include "BreakWindowGuard.h"
 #include "IconFont.h"
 #include "QmlEngine.h"
 #include "X11WindowHints.h"
@@ -214,6 +215,71 @@ void release(QQuickWindow* window)
     window->setGeometry(frame);
 }
 
+// The screen a break window belongs to: the one whose title it carries; null when that screen
+// went away.
+QScreen* ownScreen(const QQuickWindow* window)
+{
+    for (QScreen* screen : QGuiApplication::screens()) {
+        if (windowTitle(screen) == window->title())
+            return screen;
+    }
+    return nullptr;
+}
+
+bool isPrimary(const QQuickWindow* window)
+{
+    return ownScreen(window) == QGuiApplication::primaryScreen();
+}
+
+QList<QQuickWindow*> shownBreakWindows()
+{
+    QList<QQuickWindow*> windows;
+    for (QWindow* window : QGuiApplication::allWindows()) {
+        if (window->objectName() == QLatin1String(breakWindowName) && window->isVisible())
+            windows << static_cast<QQuickWindow*>(window);
+    }
+    return windows;
+}
+
+BreakWindowGuard& guard()
+{
+    static auto* guard = new BreakWindowGuard(
+        {
+            .breakShown = [] { return breakShown; },
+            .frameOf =
+                [](const QQuickWindow* window) {
+                    const QScreen* screen = ownScreen(window);
+                    return screen ? frameFor(screen) : window->geometry();
+                },
+            .putBack =
+                [](QQuickWindow* window) {
+                    QScreen* screen = ownScreen(window);
+                    if (!screen)
+                        return;
+                    // A window the manager let go of is mapped anew, with the hints of the
+                    // start; one it still has is asked back onto every desktop.
+                    if (X11WindowHints::isWithdrawn(window))
+                        window->hide();
+                    else
+                        X11WindowHints::returnToAllDesktops(window);
+                    fitToScreen(window, screen);
+                    present(window);
+                    if (isPrimary(window))
+                        window->requestActivate();
+                },
+            .takeFocusBack =
+                [] {
+                    for (QQuickWindow* window : shownBreakWindows()) {
+                        window->raise();
+                        if (isPrimary(window))
+                            window->requestActivate();
+                    }
+                },
+        },
+        qApp);
+    return *guard;
+}
+
 } // namespace
 
 QString displayIdentifier(const QScreen* screen)
@@ -260,6 +326,7 @@ bool showBreak()
     }
     breakShown = true;
     for (QQuickWindow* w : windows) {
+        guard().watch(w);
         fadeTarget(w)->setProperty("opacity", 0.0);
         present(w);
         fade(w, 1.0);

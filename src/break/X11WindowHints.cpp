@@ -7,13 +7,21 @@
 #include <X11/Xlib.h>
 
 namespace X11WindowHints {
+namespace {
+
+Display* x11Display()
+{
+    auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 ? x11->display() : nullptr;
+}
+
+} // namespace
 
 void showOnAllDesktops(QWindow* window)
 {
-    auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11 || !x11->display())
+    Display* display = x11Display();
+    if (!display)
         return;
-    Display* display = x11->display();
     const auto id = static_cast<::Window>(window->winId());
 
     const unsigned long allDesktops = 0xFFFFFFFFul;
@@ -29,6 +37,42 @@ void showOnAllDesktops(QWindow* window)
     XChangeProperty(display, id, XInternAtom(display, "_NET_WM_STATE", False), XA_ATOM, 32, PropModeAppend,
                     reinterpret_cast<const unsigned char*>(states), 3);
     XFlush(display);
+}
+
+void returnToAllDesktops(QWindow* window)
+{
+    Display* display = x11Display();
+    if (!display)
+        return;
+    XEvent message{};
+    message.xclient.type = ClientMessage;
+    message.xclient.window = static_cast<::Window>(window->winId());
+    message.xclient.message_type = XInternAtom(display, "_NET_WM_DESKTOP", False);
+    message.xclient.format = 32;
+    message.xclient.data.l[0] = long(0xFFFFFFFFul); // every desktop
+    message.xclient.data.l[1] = 2;                    // as a pager would ask: managers comply
+    XSendEvent(display, DefaultRootWindow(display), False, SubstructureRedirectMask | SubstructureNotifyMask,
+               &message);
+    XFlush(display);
+}
+
+bool isWithdrawn(QWindow* window)
+{
+    Display* display = x11Display();
+    if (!display)
+        return false;
+    // Managers set WM_STATE on the windows they manage and remove it when they let one go.
+    const Atom wmState = XInternAtom(display, "WM_STATE", False);
+    Atom type = None;
+    int format = 0;
+    unsigned long items = 0;
+    unsigned long after = 0;
+    unsigned char* data = nullptr;
+    const int status = XGetWindowProperty(display, static_cast<::Window>(window->winId()), wmState, 0, 2, False,
+                                          wmState, &type, &format, &items, &after, &data);
+    if (data)
+        XFree(data);
+    return status == Success && type == None;
 }
 
 } // namespace X11WindowHints

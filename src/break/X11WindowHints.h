@@ -10,4 +10,12 @@ namespace X11WindowHints {
 // the taskbar and pager. Call before each show: managers drop the hints when a window is hidden.
 void showOnAllDesktops(QWindow* window);
 
+// Asks the window manager to bring a mapped window back to every virtual desktop (after
+// something sent it to one desktop).
+void returnToAllDesktops(QWindow* window);
+
+// Whether the window manager has let go of the window (someone unmapped it): only a fresh map
+// brings it back then.
+bool isWithdrawn(QWindow* window);
+
 } // namespace X11WindowHints

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "BreakWindowGuard.h"
+
+#include "logging/Logger.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QQuickWindow>
+
+namespace {
+
+// Long enough for a window manager's burst of events for one change to end (a minimise is an
+// unmap, a state change and an expose), short enough to be back well within a second.
+constexpr int settleMs = 150;
+
+} // namespace
+
+BreakWindowGuard::BreakWindowGuard(Host host, QObject* parent) : QObject(parent), m_host(std::move(host))
+{
+    m_settle.setSingleShot(true);
+    m_settle.setInterval(settleMs);
+    connect(&m_settle, &QTimer::timeout, this, &BreakWindowGuard::putBackPending);
+    m_focusSettle.setSingleShot(true);
+    m_focusSettle.setInterval(settleMs);
+    connect(&m_focusSettle, &QTimer::timeout, this, [this] {
+        const QWindow* focus = QGuiApplication::focusWindow();
+        if (m_host.breakShown() && !(focus && qobject_cast<const QQuickWindow*>(focus) &&
+                                     focus->objectName() == QLatin1String("breakWindow"))) {
+            logger().info(QStringLiteral("the break took the focus back from another window"));
+            m_host.takeFocusBack();
+        }
+    });
+    connect(qApp, &QGuiApplication::focusWindowChanged, this, &BreakWindowGuard::focusChanged);
+}
+
+void BreakWindowGuard::watch(QQuickWindow* window)
+{
+    if (window->property("guarded").toBool())
+        return;
+    window->setProperty("guarded", true);
+    window->installEventFilter(this);
+}
+
+bool BreakWindowGuard::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* window = static_cast<QQuickWindow*>(watched);
+    if (!m_host.breakShown())
+        return false;
+    if (const auto returning = m_returning.constFind(window); returning != m_returning.cend()) {
+        if (event->type() == QEvent::Close) {
+            event->ignore();
+            return true;
+        }
+        if (inPlace(window) || returning->hasExpired())
+            m_returning.remove(window);
+        else
+            return false;
+    }
+    switch (event->type()) {
+    case QEvent::Close:
+        // Alt+F4, a window manager's close button, a compositor's kill binding: the break ends
+        // by Skip, by its countdown or by the program, not by its window going.
+        event->ignore();
+        logger().info(QStringLiteral("the break window ") + window->title() +
+                      QStringLiteral(" stays: closing it does not end the break"));
+        return true;
+    case QEvent::WindowStateChange:
+        if (window->windowStates() & Qt::WindowMinimized)
+            schedule(window, QStringLiteral("minimised"));
+        else if (!(window->windowStates() & Qt::WindowFullScreen))
+            schedule(window, QStringLiteral("out of full screen"));
+        break;
+    case QEvent::Expose:
+        // Shown but not exposed: unmapped behind the program's back (another desktop or
+        // workspace, a minimise that came as an unmap).
+        if (window->isVisible() && !window->isExposed())
+            schedule(window, QStringLiteral("unmapped"));
+        break;
+    case QEvent::Move:
+    case QEvent::Resize:
+        if (window->isVisible() && !window->geometry().contains(m_host.frameOf(window)))
+            schedule(window, QStringLiteral("moved off its screen"));
+        break;
+    default:
+        break;
+    }
+    return false;
+}
+
+void BreakWindowGuard::schedule(QQuickWindow* window, const QString& why)
+{
+    QString& reasons = m_pending[window];
+    if (!reasons.contains(why))
+        reasons += (reasons.isEmpty() ? QString() : QStringLiteral(", ")) + why;
+    if (!m_settle.isActive())
+        m_settle.start();
+}
+
+bool BreakWindowGuard::inPlace(const QQuickWindow* window) const
+{
+    const Qt::WindowStates states = window->windowStates();
+    return window->isVisible() && window->isExposed() && (states & Qt::WindowFullScreen) &&
+           !(states & Qt::WindowMinimized) && window->geometry().contains(m_host.frameOf(window));
+}
+
+void BreakWindowGuard::focusChanged(QWindow*)
+{
+    // Checked once things settle: between two break windows the focus passes through none.
+    if (m_host.breakShown())
+        m_focusSettle.start();
+}
+
+void BreakWindowGuard::putBackPending()
+{
+    const auto pending = std::exchange(m_pending, {});
+    if (!m_host.breakShown())
+        return;
+    for (auto entry = pending.begin(); entry != pending.end(); ++entry) {
+        QQuickWindow* window = entry.key();
+        if (inPlace(window))
+            continue; // back already: the manager undid what it did
+        m_returning.insert(window, QDeadlineTimer(1000));
+        logger().info(QStringLiteral("the break window ") + window->title() +
+                      QStringLiteral(" put back: ") + entry.value());
+        m_host.putBack(window);
+    }
+}
