@@ -242,6 +242,42 @@ class WaylandTest : public QObject {
         swayDisplay = socketOf();
     }
 
+    QString swaymsg(const QStringList& arguments)
+    {
+        const QStringList sockets = QDir(swayRuntime.filePath("run")).entryList({"sway-ipc.*"}, QDir::System);
+        if (sockets.isEmpty())
+            return "no sway socket";
+        return run("swaymsg", QStringList({"-s", swayRuntime.filePath("run/" + sockets.first())}) + arguments,
+                   QProcessEnvironment::systemEnvironment());
+    }
+
+    // What sway shows on its two outputs, side by side.
+    QImage swayScreen()
+    {
+        const QString shot = scratch.filePath("sway.png");
+        QFile::remove(shot);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_RUNTIME_DIR", runtime.path());
+        environment.insert("WAYLAND_DISPLAY", swayDisplay);
+        run("grim", {shot}, environment);
+        return QImage(shot);
+    }
+
+    void startOnSway(Instance& instance, const QByteArray& settings)
+    {
+        QDir().mkpath(instance.home.path() + "/.config/lulltide");
+        QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nauto_check_update=false\n" + settings);
+        conf.close();
+        QProcessEnvironment environment = onWayland(instance.home.path());
+        environment.insert("WAYLAND_DISPLAY", swayDisplay);
+        instance.process.setProcessEnvironment(environment);
+        instance.process.start(LULLTIDE_BINARY, {});
+        QVERIFY(instance.process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
+    }
+
     // Runs the application in a child on the compositor at `socketName` and returns what it
     // printed, the log aside; the log is left in `home`.
     QStringList idleChild(const QByteArray& mode, const QString& socketName, const QString& home)
@@ -359,6 +395,50 @@ private slots:
         QVERIFY(instance.process.waitForFinished(5000));
         const QString errors = QString::fromUtf8(instance.process.readAllStandardError());
         QVERIFY2(!errors.contains("does not support setting window opacity"), qPrintable(errors));
+    }
+
+    void onSwayABreakComesBackFromEveryEscape()
+    {
+        Instance instance;
+        startOnSway(instance, "work_time=0.05\nbreak_time=200\n");
+        const auto covered = [this] { return whitePoints(swayScreen()); };
+        const int all = int(edgesOfBothOutputs().size());
+        QTRY_COMPARE_WITH_TIMEOUT(covered(), all, 15000);
+        swayScreen().save(QDir::current().filePath("sway-two-outputs.png"));
+        // What the break did about each: the window kept, put back, or the focus taken back
+        // (a workspace switch takes the focus too).
+        const auto reactions = [&instance] {
+            const QString log = instance.log();
+            return log.count(" stays: closing it does not end the break") + log.count(" put back: ") +
+                   log.count("took the focus back");
+        };
+        for (const QString& command : QStringList{"kill", "fullscreen disable", "workspace number 3",
+                                       "move container to workspace number 4", "move container to output right"}) {
+            const qsizetype before = reactions();
+            swaymsg(command.split(' '));
+            QTRY_VERIFY2_WITH_TIMEOUT(reactions() > before, qPrintable(command + "\n" + instance.log().right(900)),
+                                      5000);
+            QTRY_VERIFY2_WITH_TIMEOUT(covered() == all, qPrintable(command), 2000);
+        }
+        QVERIFY(status(instance).startsWith("break "));
+    }
+
+    void onWestonABreakCoversAWindowOpenedDuringIt()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        const int all = int(edgesOfBothOutputs().size());
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), all, 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 5000);
+        QProcess terminal;
+        QProcessEnvironment environment = onWayland(instance.home.path());
+        terminal.setProcessEnvironment(environment);
+        terminal.start("weston-terminal", {});
+        QVERIFY(terminal.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("the break took the focus back from another window"), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), all, 2000);
+        terminal.kill();
+        terminal.waitForFinished();
     }
 
     void aWaylandStartWithoutAPanelWaitsForNoX11Tray()

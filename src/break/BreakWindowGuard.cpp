@@ -21,14 +21,15 @@ BreakWindowGuard::BreakWindowGuard(Host host, QObject* parent) : QObject(parent)
     m_settle.setInterval(settleMs);
     connect(&m_settle, &QTimer::timeout, this, &BreakWindowGuard::putBackPending);
     m_focusSettle.setSingleShot(true);
-    m_focusSettle.setInterval(settleMs);
     connect(&m_focusSettle, &QTimer::timeout, this, [this] {
-        const QWindow* focus = QGuiApplication::focusWindow();
-        if (m_host.breakShown() && !(focus && qobject_cast<const QQuickWindow*>(focus) &&
-                                     focus->objectName() == QLatin1String("breakWindow"))) {
-            logger().info(QStringLiteral("the break took the focus back from another window"));
-            m_host.takeFocusBack();
-        }
+        // Only a focus the break had and lost is taken back: where the desktop never gave it
+        // (focus-stealing prevention), asking again and again would only make the break flicker.
+        if (!m_host.breakShown() || !m_hadFocus || isBreakWindow(QGuiApplication::focusWindow()))
+            return;
+        m_hadFocus = false;
+        m_quietUntil.setRemainingTime(1000);
+        logger().info(QStringLiteral("the break took the focus back from another window"));
+        m_host.takeFocusBack();
     });
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &BreakWindowGuard::focusChanged);
 }
@@ -103,11 +104,23 @@ bool BreakWindowGuard::inPlace(const QQuickWindow* window) const
            !(states & Qt::WindowMinimized) && window->geometry().contains(m_host.frameOf(window));
 }
 
-void BreakWindowGuard::focusChanged(QWindow*)
+bool BreakWindowGuard::isBreakWindow(const QWindow* window)
 {
-    // Checked once things settle: between two break windows the focus passes through none.
-    if (m_host.breakShown())
-        m_focusSettle.start();
+    return window && qobject_cast<const QQuickWindow*>(window) &&
+           window->objectName() == QLatin1String("breakWindow");
+}
+
+void BreakWindowGuard::focusChanged(QWindow* focus)
+{
+    if (!m_host.breakShown())
+        return;
+    if (isBreakWindow(focus)) {
+        m_hadFocus = true;
+        return;
+    }
+    // Checked once things settle (between two break windows the focus passes through none),
+    // and not while a window of the break is on its way back.
+    m_focusSettle.start(std::max<qint64>(settleMs, m_quietUntil.remainingTime()));
 }
 
 void BreakWindowGuard::putBackPending()
@@ -120,6 +133,7 @@ void BreakWindowGuard::putBackPending()
         if (inPlace(window))
             continue; // back already: the manager undid what it did
         m_returning.insert(window, QDeadlineTimer(1000));
+        m_quietUntil.setRemainingTime(1000);
         logger().info(QStringLiteral("the break window ") + window->title() +
                       QStringLiteral(" put back: ") + entry.value());
         m_host.putBack(window);

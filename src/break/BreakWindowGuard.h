@@ -43,6 +43,7 @@ private:
     // Visible, drawn, full screen and over its own screen.
     bool inPlace(const QQuickWindow* window) const;
     void focusChanged(QWindow* focus);
+    static bool isBreakWindow(const QWindow* window);
     void putBackPending();
 
     Host m_host;
@@ -55,4 +56,8 @@ private:
     QHash<QQuickWindow*, QDeadlineTimer> m_returning;
     QTimer m_settle;
     QTimer m_focusSettle;
+    // Whether a break window has had the focus since it was last taken back.
+    bool m_hadFocus = false;
+    // Focus changes until then are the break's own doing.
+    QDeadlineTimer m_quietUntil;
 };

@@ -257,8 +257,11 @@ BreakWindowGuard& guard()
                     if (!screen)
                         return;
                     // A window the manager let go of is mapped anew, with the hints of the
-                    // start; one it still has is asked back onto every desktop.
-                    if (X11WindowHints::isWithdrawn(window))
+                    // start; one it still has is asked back onto every desktop. On Wayland a
+                    // window out of sight (another workspace, minimised) is made anew: a new
+                    // full-screen window opens where the person is looking.
+                    const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
+                    if (x11 ? X11WindowHints::isWithdrawn(window) : !window->isExposed())
                         window->hide();
                     else
                         X11WindowHints::returnToAllDesktops(window);
@@ -269,8 +272,12 @@ BreakWindowGuard& guard()
                 },
             .takeFocusBack =
                 [] {
+                    // Wayland lets no client raise its windows: there they open anew, on top.
+                    const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
                     for (QQuickWindow* window : shownBreakWindows()) {
-                        window->raise();
+                        if (!x11)
+                            window->hide();
+                        present(window);
                         if (isPrimary(window))
                             window->requestActivate();
                     }
