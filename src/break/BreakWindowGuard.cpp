@@ -34,6 +34,15 @@ BreakWindowGuard::BreakWindowGuard(Host host, QObject* parent) : QObject(parent)
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &BreakWindowGuard::focusChanged);
 }
 
+void BreakWindowGuard::breakStarts()
+{
+    m_pending.clear();
+    m_returning.clear();
+    m_hadFocus = false;
+    m_settle.stop();
+    m_focusSettle.stop();
+}
+
 void BreakWindowGuard::watch(QQuickWindow* window)
 {
     if (window->property("guarded").toBool())

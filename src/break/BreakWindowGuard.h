@@ -32,6 +32,8 @@ public:
 
     explicit BreakWindowGuard(Host host, QObject* parent = nullptr);
 
+    // A break begins: what the last one saw is forgotten.
+    void breakStarts();
     // Watches the window from now on (once; a window watched already is left as it is).
     void watch(QQuickWindow* window);
 

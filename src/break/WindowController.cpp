@@ -332,6 +332,7 @@ bool showBreak()
         windows << w;
     }
     breakShown = true;
+    guard().breakStarts();
     for (QQuickWindow* w : windows) {
         guard().watch(w);
         fadeTarget(w)->setProperty("opacity", 0.0);
