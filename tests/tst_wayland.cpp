@@ -11,11 +11,16 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
+#include <QRasterWindow>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <functional>
 #include <unistd.h>
 
 namespace {
@@ -25,6 +30,13 @@ namespace {
 // when a pointer move through the compositor starts it again.
 int childMain(const QByteArray& mode)
 {
+    if (mode == "full-screen-window") {
+        // Another program, full screen: a plain window of the test's own.
+        QRasterWindow window;
+        window.setTitle("another program");
+        window.showFullScreen();
+        return QGuiApplication::exec();
+    }
     if (mode != "idle-cycle" && mode != "idle-never")
         return 2;
     SystemEventController::setIdleTimeout(std::chrono::milliseconds(600));
@@ -251,6 +263,24 @@ class WaylandTest : public QObject {
                    QProcessEnvironment::systemEnvironment());
     }
 
+    // sway's node of the window with this title, empty when there is none.
+    QJsonObject swayWindow(const QString& title)
+    {
+        std::function<QJsonObject(const QJsonObject&)> find = [&](const QJsonObject& node) {
+            if (node.value("name").toString() == title && node.value("type").toString() == "con")
+                return node;
+            for (const char* children : {"nodes", "floating_nodes"}) {
+                for (const QJsonValue& child : node.value(children).toArray()) {
+                    const QJsonObject found = find(child.toObject());
+                    if (!found.isEmpty())
+                        return found;
+                }
+            }
+            return QJsonObject();
+        };
+        return find(QJsonDocument::fromJson(swaymsg({"-t", "get_tree"}).toUtf8()).object());
+    }
+
     // What sway shows on its two outputs, side by side.
     QImage swayScreen()
     {
@@ -439,6 +469,34 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), all, 2000);
         terminal.kill();
         terminal.waitForFinished();
+    }
+
+    void onSwayAFullScreenWindowOfAnotherProgramHoldsTheBreakUntilItLeavesFullScreen()
+    {
+        QProcess other;
+        QTemporaryDir otherHome;
+        QProcessEnvironment environment = onWayland(otherHome.path());
+        environment.insert("WAYLAND_DISPLAY", swayDisplay);
+        environment.insert("LULLTIDE_TEST_CHILD", "full-screen-window");
+        other.setProcessEnvironment(environment);
+        other.start(QCoreApplication::applicationFilePath(), {});
+        QVERIFY(other.waitForStarted());
+        QTRY_COMPARE_WITH_TIMEOUT(swayWindow("another program").value("fullscreen_mode").toInt(), 1, 10000);
+
+        Instance instance;
+        startOnSway(instance, "work_time=0.05\nbreak_time=200\nhold_breaks=true\n");
+        QTRY_VERIFY_WITH_TIMEOUT(
+            instance.log().contains("breaks are held for full-screen windows through the compositor's window list"),
+            5000);
+        // Due after three seconds of work, and held.
+        QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("held "), 15000);
+        QCOMPARE(whitePoints(swayScreen()), 0);
+        swaymsg({"fullscreen", "disable"});
+        // The break follows the hold's ten seconds of notice.
+        QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(swayScreen()), int(edgesOfBothOutputs().size()), 5000);
+        other.kill();
+        other.waitForFinished();
     }
 
     void aWaylandStartWithoutAPanelWaitsForNoX11Tray()

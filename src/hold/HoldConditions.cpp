@@ -5,6 +5,7 @@
 #include "FullScreenHoldSource.h"
 #include "GSettingsHoldSource.h"
 #include "PowerInhibitHoldSource.h"
+#include "ToplevelListHoldSource.h"
 #include "XfconfHoldSource.h"
 #include "logging/Logger.h"
 
@@ -33,8 +34,16 @@ std::unique_ptr<HoldSource> HoldConditions::make()
         else
             delete fullScreen;
     } else {
-        logger().info(QStringLiteral("breaks are not held for full-screen windows here: only X11 shows "
-                                     "another program's windows"));
+        auto* toplevels = new ToplevelListHoldSource(QGuiApplication::desktopFileName());
+        if (toplevels->start()) {
+            logger().info(QStringLiteral("breaks are held for full-screen windows through the compositor's "
+                                         "window list (zwlr_foreign_toplevel_manager_v1)"));
+            conditions << toplevels;
+        } else {
+            delete toplevels;
+            logger().info(QStringLiteral("breaks are not held for full-screen windows here: the compositor "
+                                         "shows no program another's windows"));
+        }
     }
 
     const QDBusConnection bus = QDBusConnection::sessionBus();
