@@ -270,8 +270,9 @@ class WaylandTest : public QObject {
             if (node.value("name").toString() == title && node.value("type").toString() == "con")
                 return node;
             for (const char* children : {"nodes", "floating_nodes"}) {
-                for (const QJsonValue& child : node.value(children).toArray()) {
-                    const QJsonObject found = find(child.toObject());
+                const QJsonArray nodes = node.value(children).toArray();
+                for (const auto& child : nodes) {
+                    QJsonObject found = find(child.toObject());
                     if (!found.isEmpty())
                         return found;
                 }
