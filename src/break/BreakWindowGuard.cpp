@@ -53,8 +53,9 @@ void BreakWindowGuard::watch(QQuickWindow* window)
 
 bool BreakWindowGuard::eventFilter(QObject* watched, QEvent* event)
 {
-    auto* window = static_cast<QQuickWindow*>(watched);
-    if (!m_host.breakShown())
+    // (A window being destroyed is no longer a QQuickWindow by the time its last events come.)
+    auto* window = qobject_cast<QQuickWindow*>(watched);
+    if (!window || !m_host.breakShown())
         return false;
     if (const auto returning = m_returning.constFind(window); returning != m_returning.cend()) {
         if (event->type() == QEvent::Close) {
