@@ -123,14 +123,18 @@ class WaylandTest : public QObject {
         return run(LULLTIDE_BINARY, {"--status"}, onWayland(instance.home.path()));
     }
 
-    void start(Instance& instance, const QByteArray& settings)
+    // On weston unless another compositor's socket is given.
+    void start(Instance& instance, const QByteArray& settings, const QString& compositor = QString())
     {
         QDir().mkpath(instance.home.path() + "/.config/lulltide");
         QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
         QVERIFY(conf.open(QIODevice::WriteOnly));
         conf.write("[General]\nauto_check_update=false\n" + settings);
         conf.close();
-        instance.process.setProcessEnvironment(onWayland(instance.home.path()));
+        QProcessEnvironment environment = onWayland(instance.home.path());
+        if (!compositor.isEmpty())
+            environment.insert("WAYLAND_DISPLAY", compositor);
+        instance.process.setProcessEnvironment(environment);
         instance.process.start(LULLTIDE_BINARY, {});
         QVERIFY(instance.process.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
@@ -294,21 +298,6 @@ class WaylandTest : public QObject {
         return QImage(shot);
     }
 
-    void startOnSway(Instance& instance, const QByteArray& settings)
-    {
-        QDir().mkpath(instance.home.path() + "/.config/lulltide");
-        QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
-        QVERIFY(conf.open(QIODevice::WriteOnly));
-        conf.write("[General]\nauto_check_update=false\n" + settings);
-        conf.close();
-        QProcessEnvironment environment = onWayland(instance.home.path());
-        environment.insert("WAYLAND_DISPLAY", swayDisplay);
-        instance.process.setProcessEnvironment(environment);
-        instance.process.start(LULLTIDE_BINARY, {});
-        QVERIFY(instance.process.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
-    }
-
     // Runs the application in a child on the compositor at `socketName` and returns what it
     // printed, the log aside; the log is left in `home`.
     QStringList idleChild(const QByteArray& mode, const QString& socketName, const QString& home)
@@ -431,7 +420,7 @@ private slots:
     void onSwayABreakComesBackFromEveryEscape()
     {
         Instance instance;
-        startOnSway(instance, "work_time=0.05\nbreak_time=200\n");
+        start(instance, "work_time=0.05\nbreak_time=200\n", swayDisplay);
         const auto covered = [this] { return whitePoints(swayScreen()); };
         const int all = int(edgesOfBothOutputs().size());
         QTRY_COMPARE_WITH_TIMEOUT(covered(), all, 15000);
@@ -485,7 +474,7 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(swayWindow("another program").value("fullscreen_mode").toInt(), 1, 10000);
 
         Instance instance;
-        startOnSway(instance, "work_time=0.05\nbreak_time=200\nhold_breaks=true\n");
+        start(instance, "work_time=0.05\nbreak_time=200\nhold_breaks=true\n", swayDisplay);
         QTRY_VERIFY_WITH_TIMEOUT(
             instance.log().contains("breaks are held for full-screen windows through the compositor's window list"),
             5000);
