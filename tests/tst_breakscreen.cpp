@@ -88,10 +88,10 @@ class BreakScreenTest : public QObject {
         int uncovered = 0;
         int edgesNotWhite = 0;
         const QRect inner = monitor.adjusted(3, 3, -3, -3);
-        // Skip's blue over white, anti-aliased edges included: g follows r along the blend.
+        // Skip's blue (#0070E8) over white, anti-aliased edges included: g follows r along the blend.
         const auto isCapsule = [](QRgb pixel) {
-            return qBlue(pixel) >= 240 && qRed(pixel) <= 200 &&
-                   std::abs(qGreen(pixel) - (122 + 0.5216 * qRed(pixel))) <= 12;
+            return qBlue(pixel) >= 228 && qRed(pixel) <= 200 &&
+                   std::abs(qGreen(pixel) - (112 + 0.5608 * qRed(pixel))) <= 12;
         };
         QMap<int, QList<int>> capsuleRows; // row → the capsule's pixels in it
         for (int y = monitor.top(); y <= monitor.bottom(); ++y) {

@@ -23,24 +23,6 @@
 #include <QTemporaryDir>
 #include <csignal>
 
-// The accessibility bus as a desktop session starts it, on the test's own session bus.
-struct AccessibilityBus {
-    QProcess launcher;
-    AccessibilityBus() { launcher.start("/usr/libexec/at-spi-bus-launcher", {"--launch-immediately"}); }
-    ~AccessibilityBus()
-    {
-        launcher.terminate();
-        launcher.waitForFinished(5000);
-    }
-    bool started()
-    {
-        return launcher.waitForStarted() &&
-               QTest::qWaitFor(
-                   [] { return QDBusConnection::sessionBus().interface()->isServiceRegistered("org.a11y.Bus"); },
-                   10000);
-    }
-};
-
 // Control from scripts: the real program on this test's own session bus, driven by the command
 // line (`lulltide --pause` and the rest) and read through its bus object, as a script or a
 // keyboard shortcut would.
@@ -186,15 +168,6 @@ class ControlTest : public QObject {
     {
         const QByteArray maps = mappedFiles(pid);
         return maps.contains("libQt6Quick") || maps.contains("libQt6Qml") || maps.contains("/qml/");
-    }
-
-    // What a screen reader finds of Lulltide (see tests/support/atspi-tree.py for `arguments`).
-    static QString atspi(const QStringList& arguments)
-    {
-        QProcess walk;
-        walk.start("/usr/bin/python3", QStringList{TESTS_SOURCE_DIR "/support/atspi-tree.py", "Lulltide"} + arguments);
-        walk.waitForFinished(30000);
-        return QString::fromUtf8(walk.readAllStandardOutput());
     }
 
     void startWithTheSettingsWindowForAScreenReader(Instance& instance, const QByteArray& settings)
@@ -788,7 +761,7 @@ private slots:
 
     void aSettingChangedInTheSettingsWindowTakesEffectInTheRunningCycle()
     {
-        AccessibilityBus accessibility;
+        TestSupport::AccessibilityBus accessibility;
         QVERIFY(accessibility.started());
         Instance instance;
         // A break a minute away, which a postpone would move.
@@ -798,8 +771,8 @@ private slots:
         QVERIFY2(refused.err.startsWith("Postponing breaks is off"), qPrintable(refused.err));
 
         // As a screen reader's user (or a click) ticks the box in the settings window's process.
-        QTRY_VERIFY_WITH_TIMEOUT(atspi({}).contains("check box 'Allow postponing breaks'"), 20000);
-        const QString done = atspi({"--do", "check box", "Allow postponing breaks", "Toggle"});
+        QTRY_VERIFY_WITH_TIMEOUT(TestSupport::atspi({}).contains("check box 'Allow postponing breaks'"), 20000);
+        const QString done = TestSupport::atspi({"--do", "check box", "Allow postponing breaks", "Toggle"});
         QVERIFY2(done.startsWith("Toggle True"), qPrintable(done));
         // Asked until the change arrives, and not again once it has (QTRY checks once more at the end).
         Ran postponed;
@@ -830,14 +803,14 @@ private slots:
 
     void aScreenReaderFindsTheSettingsWindowAndItsControls()
     {
-        AccessibilityBus accessibility;
+        TestSupport::AccessibilityBus accessibility;
         QVERIFY(accessibility.started());
         Instance instance;
         startWithTheSettingsWindowForAScreenReader(instance, {});
 
         QString found;
         const auto controlsFound = [&] {
-            found = atspi({});
+            found = TestSupport::atspi({});
             return found.contains("check box 'Launch at login'");
         };
         QTRY_VERIFY2_WITH_TIMEOUT(controlsFound(), qPrintable(found), 20000);

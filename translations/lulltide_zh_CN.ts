@@ -126,6 +126,46 @@
         <source>Postpone</source>
         <translation>推迟</translation>
     </message>
+    <message>
+        <source>Long break</source>
+        <translation>长休息</translation>
+    </message>
+    <message>
+        <source>A new day</source>
+        <translation>新的一天</translation>
+    </message>
+    <message>
+        <source>Short break</source>
+        <translation>短休息</translation>
+    </message>
+    <message>
+        <source>The break is over</source>
+        <translation>休息结束了</translation>
+    </message>
+    <message>
+        <source>One minute left</source>
+        <translation>还剩一分钟</translation>
+    </message>
+    <message>
+        <source>%1, %2: %3</source>
+        <translation>%1，%2：%3</translation>
+    </message>
+    <message>
+        <source>1 second</source>
+        <translation>1 秒</translation>
+    </message>
+    <message>
+        <source>%1 seconds</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
+        <source>1 minute</source>
+        <translation>1 分钟</translation>
+    </message>
+    <message>
+        <source>%1 minutes</source>
+        <translation>%1 分钟</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -719,6 +759,13 @@
     <message>
         <source>History</source>
         <translation>历史</translation>
+    </message>
+</context>
+<context>
+    <name>QCommandLineParser</name>
+    <message>
+        <source>Displays help on commandline options.</source>
+        <translation>显示命令行选项的帮助。</translation>
     </message>
 </context>
 <context>

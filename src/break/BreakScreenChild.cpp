@@ -4,8 +4,10 @@
 #include "QmlEngine.h"
 #include "WindowController.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QQuickWindow>
+#include <QTimer>
 #include <cstdio>
 #include <memory>
 
@@ -21,9 +23,8 @@ std::optional<int> BreakScreenChild::start()
         return NotStartedByLulltide;
     }
     connect(&m_channel, &ViewChannel::received, this, &BreakScreenChild::apply);
-    // Lulltide ended or is done with the break. exit(), not quit(): quit() first asks every
-    // window to close, and a break window refuses while its break is on.
-    connect(&m_channel, &ViewChannel::closed, qApp, [] { QCoreApplication::exit(0); });
+    // Lulltide ended or is done with the break.
+    connect(&m_channel, &ViewChannel::closed, this, &BreakScreenChild::leave);
     connect(&m_state, &RemoteBreakState::skipRequested, this,
             [this] { m_channel.send({{QStringLiteral("action"), QStringLiteral("skip")}}); });
     connect(&m_state, &RemoteBreakState::postponeRequested, this,
@@ -38,21 +39,43 @@ std::optional<int> BreakScreenChild::start()
 
 void BreakScreenChild::apply(const QJsonObject& message)
 {
+    if (!message.value(QStringLiteral("shown")).toBool()) {
+        // The break is over (or will not come): the windows go with the process, showing what
+        // they showed to the end.
+        leave();
+        return;
+    }
     m_state.setPrompt(message.value(QStringLiteral("prompt")).toString());
     m_state.setShowSkipButton(message.value(QStringLiteral("skip")).toBool());
     m_state.setShowPostponeButton(message.value(QStringLiteral("postpone")).toBool());
     m_state.setTimeString(message.value(QStringLiteral("time")).toString());
-    const bool shown = message.value(QStringLiteral("shown")).toBool();
-    if (shown && !WindowController::isBreakShown()) {
+    m_state.setKindName(message.value(QStringLiteral("kind")).toString(QStringLiteral("short")));
+    m_state.setCountdown(message.value(QStringLiteral("length")).toDouble(),
+                         message.value(QStringLiteral("left")).toDouble());
+    if (!WindowController::isBreakShown()) {
         if (!WindowController::showBreak()) {
             QCoreApplication::exit(ViewCannotBeMade);
             return;
         }
         tellWhenDrawn();
-    } else if (!shown) {
-        // The break is over (or will not come): the windows go with the process.
-        QCoreApplication::exit(0);
     }
+}
+
+// exit(), not quit(): quit() first asks every window to close, and a break window refuses while
+// its break is on.
+void BreakScreenChild::leave()
+{
+    if (m_leaving)
+        return;
+    m_leaving = true;
+    // A screen reader hears that the break is over from the focused button itself, so it must
+    // still be there when the words reach the reader: the windows stay a moment longer then.
+    if (!WindowController::isBreakShown() || !QAccessible::isActive()) {
+        QCoreApplication::exit(0);
+        return;
+    }
+    m_state.setCountdown(m_state.length(), 0);
+    QTimer::singleShot(screenReaderGrace, qApp, [] { QCoreApplication::exit(0); });
 }
 
 void BreakScreenChild::tellWhenDrawn()

@@ -26,9 +26,15 @@ public:
 
 private:
     void apply(const QJsonObject& message);
+    // Ends the process: at once, or after a screen reader was told that the break is over.
+    void leave();
     // Says "drawn" once the first frame of the break is on every screen.
     void tellWhenDrawn();
 
+    // Long enough for the accessibility bus to carry the last words to the reader.
+    static constexpr int screenReaderGrace = 300;
+
     ViewChannel m_channel;
     RemoteBreakState m_state;
+    bool m_leaving = false;
 };

@@ -29,6 +29,7 @@ BreakScreenProcess::BreakScreenProcess(QString program, QObject* parent)
     connect(&prompt, &PromptState::promptChanged, this, &BreakScreenProcess::sendState);
     connect(&prompt, &PromptState::showSkipButtonChanged, this, &BreakScreenProcess::sendState);
     connect(&prompt, &PromptState::showPostponeButtonChanged, this, &BreakScreenProcess::sendState);
+    connect(&prompt, &PromptState::kindChanged, this, &BreakScreenProcess::sendState);
     connect(&countdown, &TicktackState::timeStringChanged, this, &BreakScreenProcess::sendState);
     // The end of the break countdown ends the break just as Skip does.
     connect(&countdown, &TicktackState::timesUpChanged, this, [this](bool timesUp) {
@@ -126,6 +127,9 @@ void BreakScreenProcess::sendNow()
         {QStringLiteral("skip"), prompt.showSkipButton()},
         {QStringLiteral("postpone"), prompt.showPostponeButton()},
         {QStringLiteral("time"), AppState::breakState().timeString()},
+        {QStringLiteral("kind"), prompt.kindName()},
+        {QStringLiteral("length"), AppState::breakState().length()},
+        {QStringLiteral("left"), AppState::breakState().secondsLeft()},
     });
 }
 

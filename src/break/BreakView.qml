@@ -14,8 +14,59 @@ Rectangle {
 
     readonly property bool darkScheme: palette.window.hslLightness < 0.5
 
+    // What a screen reader finds: an alert named after the break. The focused control's
+    // description tells the break as it opens; a minute before the end and at the end a
+    // notification shows, which readers speak wherever the focus is (Qt 6.4 gives no way to
+    // announce text, and its events of a changed description or name do not carry the words).
+    // The countdown itself stays quiet.
+    readonly property string breakTitle: promptState.kindName === "long" ? qsTr("Long break")
+                                         : promptState.kindName === "newDay" ? qsTr("A new day")
+                                         : qsTr("Short break")
+    readonly property string announcement: {
+        if (breakState.length <= 0)
+            return "" // no break yet: the view is made ahead of it
+        const left = Math.ceil(breakState.secondsLeft)
+        if (left <= 0)
+            return qsTr("The break is over")
+        if (breakState.length > 60 && left <= 60)
+            return qsTr("One minute left")
+        return qsTr("%1, %2: %3").arg(breakTitle).arg(durationText(Math.round(breakState.length)))
+                                 .arg(promptText.text)
+    }
+    // Keys do nothing for half a second after the break takes the focus: a key meant for
+    // another program, pressed as the break appears, must not skip it.
+    property bool keysArmed: false
+
     anchors.fill: parent
     color: darkScheme ? "black" : "white"
+
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: breakTitle
+    Accessible.description: announcement
+    Accessible.focusable: true
+
+    onAnnouncementChanged: {
+        if (announcement !== "" && (breakState.secondsLeft <= 0 || (breakState.length > 60 && breakState.secondsLeft <= 60)))
+            milestone.tell(announcement)
+    }
+
+    function durationText(seconds) {
+        if (seconds % 60 !== 0)
+            return seconds === 1 ? qsTr("1 second") : qsTr("%1 seconds").arg(seconds)
+        const minutes = seconds / 60
+        return minutes === 1 ? qsTr("1 minute") : qsTr("%1 minutes").arg(minutes)
+    }
+
+    // The keyboard focus goes to Skip, or to the break itself when there is no Skip, as soon
+    // as the window is the active one.
+    function takeFocus() {
+        if (!Window.active)
+            return
+        (skipButton.visible ? skipButton : root).forceActiveFocus()
+        // Every time the break takes the focus (a new break, or back from another window).
+        keysArmed = false
+        arming.restart()
+    }
 
     function skipAction() {
         promptState.skip()
@@ -27,6 +78,36 @@ Rectangle {
 
     SystemPalette {
         id: palette
+    }
+
+    Item {
+        id: milestone
+        visible: false
+        Accessible.role: Accessible.Notification
+        Accessible.name: said
+        property string said
+
+        // Shown anew for every text: hidden first, and shown once the reader was told so.
+        function tell(text) {
+            visible = false
+            said = text
+            Qt.callLater(() => { visible = true })
+        }
+    }
+
+    Timer {
+        id: arming
+        interval: 500
+        onTriggered: root.keysArmed = true
+    }
+
+    Window.onActiveChanged: takeFocus()
+
+    Connections {
+        target: root.promptState
+        function onShowSkipButtonChanged() {
+            root.takeFocus()
+        }
     }
 
     // At a fractional scale the window can reach a part of a device pixel beyond its size in
@@ -52,6 +133,7 @@ Rectangle {
         width: Math.min(implicitWidth, root.width)
 
         Text {
+            id: promptText
             objectName: "promptText"
             Layout.alignment: Qt.AlignHCenter
             Layout.maximumWidth: root.width
@@ -61,9 +143,12 @@ Rectangle {
             textFormat: Text.PlainText
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
-            color: Qt.rgba(palette.windowText.r, palette.windowText.g, palette.windowText.b, 0.5)
+            // A little above half strength: 4.7:1 on white, the least that reads well.
+            color: Qt.rgba(palette.windowText.r, palette.windowText.g, palette.windowText.b, 0.55)
             font.pixelSize: 40
             font.bold: true
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
 
         Item {
@@ -85,6 +170,9 @@ Rectangle {
                 objectName: "skipButton"
                 visible: root.promptState.showSkipButton
                 text: qsTr("Skip")
+                ringColor: palette.windowText
+                keysEnabled: root.keysArmed
+                Accessible.description: root.announcement
                 onActivated: root.skipAction()
             }
 
@@ -94,6 +182,8 @@ Rectangle {
                 objectName: "postponeButton"
                 visible: root.promptState.showPostponeButton
                 text: qsTr("Postpone")
+                ringColor: palette.windowText
+                keysEnabled: root.keysArmed
                 onActivated: root.postponeAction()
             }
         }

@@ -32,3 +32,20 @@ void RemoteBreakState::setTimeString(const QString& timeString)
     m_timeString = timeString;
     emit timeStringChanged();
 }
+
+void RemoteBreakState::setKindName(const QString& kindName)
+{
+    if (kindName == m_kindName)
+        return;
+    m_kindName = kindName;
+    emit kindChanged();
+}
+
+void RemoteBreakState::setCountdown(double length, double secondsLeft)
+{
+    if (length == m_length && secondsLeft == m_secondsLeft)
+        return;
+    m_length = length;
+    m_secondsLeft = secondsLeft;
+    emit countdownChanged();
+}

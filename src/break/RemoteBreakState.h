@@ -14,6 +14,9 @@ class RemoteBreakState : public QObject {
     Q_PROPERTY(bool showPostponeButton READ showPostponeButton NOTIFY showPostponeButtonChanged)
     Q_PROPERTY(QString timeString READ timeString NOTIFY timeStringChanged)
     Q_PROPERTY(bool timesUp READ timesUp NOTIFY timesUpChanged)
+    Q_PROPERTY(QString kindName READ kindName NOTIFY kindChanged)
+    Q_PROPERTY(double length READ length NOTIFY countdownChanged)
+    Q_PROPERTY(double secondsLeft READ secondsLeft NOTIFY countdownChanged)
 
 public:
     using QObject::QObject;
@@ -23,11 +26,16 @@ public:
     bool showPostponeButton() const { return m_showPostponeButton; }
     QString timeString() const { return m_timeString; }
     bool timesUp() const { return false; }
+    QString kindName() const { return m_kindName; }
+    double length() const { return m_length; }
+    double secondsLeft() const { return m_secondsLeft; }
 
     void setPrompt(const QString& prompt);
     void setShowSkipButton(bool show);
     void setShowPostponeButton(bool show);
     void setTimeString(const QString& timeString);
+    void setKindName(const QString& kindName);
+    void setCountdown(double length, double secondsLeft);
 
     Q_INVOKABLE void skip() { emit skipRequested(); }
     Q_INVOKABLE void postpone() { emit postponeRequested(); }
@@ -39,6 +47,8 @@ signals:
     void timeStringChanged();
     // Never raised: the view's reaction to the end of a break is Lulltide's own here.
     void timesUpChanged();
+    void kindChanged();
+    void countdownChanged();
     void skipRequested();
     void postponeRequested();
 
@@ -47,4 +57,7 @@ private:
     bool m_showSkipButton = false;
     bool m_showPostponeButton = false;
     QString m_timeString;
+    QString m_kindName = QStringLiteral("short");
+    double m_length = 0;
+    double m_secondsLeft = 0;
 };

@@ -11,6 +11,8 @@ Text {
     font.pixelSize: 100
     font.bold: true
     padding: 16
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
 
     SystemPalette {
         id: palette

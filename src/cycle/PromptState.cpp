@@ -55,7 +55,7 @@ void PromptState::showBreak()
     }
 
     double seconds = prefs.breakTime();
-    m_kind = (repeat ? m_kind == Kind::Long : m_shortBreakTimes == 0) ? Kind::Long : Kind::Short;
+    setKind((repeat ? m_kind == Kind::Long : m_shortBreakTimes == 0) ? Kind::Long : Kind::Short);
     if (m_kind == Kind::Long) {
         // Every long break shows the long-break prompt; the "custom" switch only reveals its editor.
         setPrompt(prefs.longBreakPrompt());
@@ -77,7 +77,7 @@ void PromptState::showBreak()
 
 void PromptState::showNewDay()
 {
-    m_kind = Kind::NewDay;
+    setKind(Kind::NewDay);
     setPrompt(newDayPrompt());
     updatePostponeButton();
     if (!AppState::breakScreen().show()) {
@@ -112,6 +112,27 @@ PromptState::Kind PromptState::nextKind() const
         return m_kind;
     const qint64 rotation = AppState::prefState().shortBreakTimes();
     return rotation != 0 && (m_shortBreakTimes + 1) % rotation == 0 ? Kind::Long : Kind::Short;
+}
+
+QString PromptState::kindName() const
+{
+    switch (m_kind) {
+    case Kind::Long:
+        return QStringLiteral("long");
+    case Kind::NewDay:
+        return QStringLiteral("newDay");
+    case Kind::Short:
+        break;
+    }
+    return QStringLiteral("short");
+}
+
+void PromptState::setKind(Kind kind)
+{
+    if (kind == m_kind)
+        return;
+    m_kind = kind;
+    emit kindChanged();
 }
 
 void PromptState::repeatBreak()

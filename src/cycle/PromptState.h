@@ -11,6 +11,7 @@ class PromptState : public QObject {
     Q_PROPERTY(QString prompt READ prompt WRITE setPrompt NOTIFY promptChanged)
     Q_PROPERTY(bool showSkipButton READ showSkipButton WRITE setShowSkipButton NOTIFY showSkipButtonChanged)
     Q_PROPERTY(bool showPostponeButton READ showPostponeButton NOTIFY showPostponeButtonChanged)
+    Q_PROPERTY(QString kindName READ kindName NOTIFY kindChanged)
 
 public:
     enum class Kind { Short, Long, NewDay };
@@ -32,6 +33,8 @@ public:
 
     // The break on the screen, or the last one shown.
     Kind kind() const { return m_kind; }
+    // The same for the views: "short", "long" or "newDay".
+    QString kindName() const;
     // The kind of break the end of the running work period brings.
     Kind nextKind() const;
     // The break on the screen was postponed: the next one is of the same kind and does not move
@@ -62,9 +65,11 @@ signals:
     void promptChanged();
     void showSkipButtonChanged();
     void showPostponeButtonChanged();
+    void kindChanged();
 
 private:
     void skipUnshownBreak();
+    void setKind(Kind kind);
 
     QString m_prompt;
     bool m_showSkipButton = false;

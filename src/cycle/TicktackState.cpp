@@ -19,4 +19,5 @@ void TicktackState::setCountdown(double length, double secondsLeft)
 {
     m_length = length;
     m_secondsLeft = secondsLeft;
+    emit countdownChanged();
 }

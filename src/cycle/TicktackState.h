@@ -11,6 +11,8 @@ class TicktackState : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString timeString READ timeString WRITE setTimeString NOTIFY timeStringChanged)
     Q_PROPERTY(bool timesUp READ timesUp WRITE setTimesUp NOTIFY timesUpChanged)
+    Q_PROPERTY(double length READ length NOTIFY countdownChanged)
+    Q_PROPERTY(double secondsLeft READ secondsLeft NOTIFY countdownChanged)
 
 public:
     explicit TicktackState(QObject* parent = nullptr);
@@ -30,6 +32,7 @@ public:
 signals:
     void timeStringChanged(const QString& timeString);
     void timesUpChanged(bool timesUp);
+    void countdownChanged();
 
 private:
     QString m_timeString;

@@ -6,10 +6,13 @@
 #include "logging/Logger.h"
 
 #include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <csignal>
 #include <cstdio>
@@ -327,6 +330,37 @@ const void* currentXlibErrorHandler()
     const XErrorHandler handler = XSetErrorHandler(nullptr);
     XSetErrorHandler(handler);
     return reinterpret_cast<const void*>(handler);
+}
+
+AccessibilityBus::AccessibilityBus()
+{
+    launcher.start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"), {QStringLiteral("--launch-immediately")});
+}
+
+AccessibilityBus::~AccessibilityBus()
+{
+    launcher.terminate();
+    launcher.waitForFinished(5000);
+}
+
+bool AccessibilityBus::started()
+{
+    return launcher.waitForStarted() && QTest::qWaitFor(
+                                            [] {
+                                                return QDBusConnection::sessionBus().interface()->isServiceRegistered(
+                                                    QStringLiteral("org.a11y.Bus"));
+                                            },
+                                            10000);
+}
+
+QString atspi(const QStringList& arguments)
+{
+    QProcess walk;
+    walk.start(QStringLiteral("/usr/bin/python3"),
+               QStringList{QStringLiteral(TESTS_SOURCE_DIR "/support/atspi-tree.py"), QStringLiteral("Lulltide")} +
+                   arguments);
+    walk.waitForFinished(30000);
+    return QString::fromUtf8(walk.readAllStandardOutput());
 }
 
 } // namespace TestSupport

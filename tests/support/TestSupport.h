@@ -93,4 +93,17 @@ bool waitForEnd(QProcess& process, int ms);
 // the tests, whose names they would clash with).
 const void* currentXlibErrorHandler();
 
+// The accessibility bus as a desktop session starts it, on this test's session bus; it ends
+// with the object.
+struct AccessibilityBus {
+    QProcess launcher;
+    AccessibilityBus();
+    ~AccessibilityBus();
+    // Waits until the bus is there.
+    bool started();
+};
+
+// What a screen reader finds of Lulltide: tests/support/atspi-tree.py with `arguments`.
+QString atspi(const QStringList& arguments);
+
 } // namespace TestSupport

@@ -3,7 +3,11 @@
 # Prints what a screen reader finds of the programs on the accessibility bus of this session:
 # one line per accessible, indented by its depth, "role 'name'", for the applications whose
 # name is the first argument (an application's line ends with its process id). With
-# "--do ROLE NAME ACTION" it does that action of that accessible instead. Uses Debian's pyatspi, as orca does.
+# "--do ROLE NAME ACTION" it does that action of that accessible instead. With "--events" it
+# prints, until ended, what a screen reader is told: a line "listening", then one line per
+# focus, window activation, description change or accessible shown,
+# "event|detail|role|name|description".
+# Uses Debian's pyatspi, as orca does.
 import sys
 
 import pyatspi
@@ -34,6 +38,25 @@ def find(node, role, name, depth=0):
             return found
     return None
 
+
+def print_event(event):
+    source = event.source
+    try:
+        # What the reader would find now, not what an earlier read left in the cache.
+        source.clear_cache()
+        line = f"{event.type}|{event.detail1}|{source.getRoleName()}|{source.name}|{source.description}"
+    except Exception as error:  # the accessible went with its window
+        line = f"{event.type}|{event.detail1}|gone|{error}|"
+    print(line, flush=True)
+
+
+if len(sys.argv) == 3 and sys.argv[2] == "--events":
+    pyatspi.Registry.registerEventListener(
+        print_event, "focus:", "window:activate", "object:property-change:accessible-description",
+        "object:state-changed:showing")
+    print("listening", flush=True)
+    pyatspi.Registry.start()
+    sys.exit(0)
 
 applications = [a for a in pyatspi.Registry.getDesktop(0) if a is not None and a.name == sys.argv[1]]
 if len(sys.argv) == 6 and sys.argv[2] == "--do":

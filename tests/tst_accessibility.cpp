@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/TestMain.h"
+
+#include <QColor>
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QImage>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <cmath>
+
+// The break as a screen reader's user meets it: the real program on a display of its own with a
+// window manager, its accessibility bus on a private session bus, read with Debian's pyatspi
+// (tests/support/atspi-tree.py) as orca reads it; and the break screen's contrast, from what the
+// X server shows.
+class AccessibilityTest : public QObject {
+    Q_OBJECT
+
+    using Instance = TestSupport::ProgramRun;
+
+    // A break three seconds after the start, with a prompt of our own.
+    static QByteArray breakSoon(int breakSeconds)
+    {
+        return "work_time=0.05\ncustom_break_prompt=true\nbreak_prompt_text=Stand up and stretch\nbreak_time=" +
+               QByteArray::number(breakSeconds) + '\n';
+    }
+
+    static void start(Instance& instance, const QByteArray& settings)
+    {
+        QVERIFY(QDir().mkpath(instance.home.path() + "/.config/lulltide"));
+        QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nauto_check_update=false\n" + settings);
+        conf.close();
+        QProcessEnvironment env = TestSupport::environmentWithHome(instance.home.path());
+        env.insert("LC_ALL", "C.UTF-8");
+        env.remove("LANGUAGE");
+        env.insert("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+        instance.process.setProcessEnvironment(env);
+        instance.process.start(LULLTIDE_BINARY, {});
+        QVERIFY(instance.process.waitForStarted());
+    }
+
+    static QString status()
+    {
+        static QTemporaryDir clientHome;
+        QProcess client;
+        client.setProcessEnvironment(TestSupport::environmentWithHome(clientHome.path()));
+        client.start(LULLTIDE_BINARY, {"--status"});
+        client.waitForFinished(15000);
+        return QString::fromUtf8(client.readAllStandardOutput()).trimmed();
+    }
+
+    // What a screen reader is told, line by line ("event|role|name|description"), from its start.
+    struct Listener {
+        QProcess process;
+        QStringList lines;
+        Listener()
+        {
+            process.start("/usr/bin/python3", {TESTS_SOURCE_DIR "/support/atspi-tree.py", "Lulltide", "--events"});
+        }
+        ~Listener()
+        {
+            process.kill();
+            process.waitForFinished(5000);
+        }
+        QStringList read()
+        {
+            process.waitForReadyRead(100);
+            while (process.canReadLine())
+                lines << QString::fromUtf8(process.readLine()).trimmed();
+            return lines;
+        }
+        bool heard(const QString& line) { return read().contains(line); }
+        qsizetype count(const QString& line) { return read().count(line); }
+    };
+
+    static QImage screenshot()
+    {
+        const QString file = QDir::current().filePath("accessibility-shot.png");
+        QProcess::execute("import", {"-window", "root", file});
+        return QImage(file).convertToFormat(QImage::Format_RGB32);
+    }
+
+    static double luminance(QColor color)
+    {
+        const auto channel = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+        return 0.2126 * channel(color.redF()) + 0.7152 * channel(color.greenF()) + 0.0722 * channel(color.blueF());
+    }
+
+    static double contrast(QColor a, QColor b)
+    {
+        const double la = luminance(a);
+        const double lb = luminance(b);
+        return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+    }
+
+    // The colour most pixels of the rectangle have, leaving out those in `except`.
+    static QRgb commonest(const QImage& image, const QRect& area, const QList<QRgb>& except = {})
+    {
+        QHash<QRgb, int> counts;
+        for (int y = area.top(); y <= area.bottom(); ++y) {
+            for (int x = area.left(); x <= area.right(); ++x) {
+                const QRgb pixel = image.pixel(x, y);
+                if (!except.contains(pixel))
+                    ++counts[pixel];
+            }
+        }
+        QRgb best = 0;
+        int most = 0;
+        for (auto it = counts.cbegin(); it != counts.cend(); ++it) {
+            if (it.value() > most) {
+                most = it.value();
+                best = it.key();
+            }
+        }
+        return best;
+    }
+
+    // The bounding box of the Skip button's blue in the screenshot.
+    static QRect blueArea(const QImage& image)
+    {
+        QRect box;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (c.blue() > c.red() + 120)
+                    box = box.united(QRect(x, y, 1, 1));
+            }
+        }
+        return box;
+    }
+
+private slots:
+    void aScreenReaderFindsTheBreakItsTextsAndSkipWhosePressEndsIt()
+    {
+        TestSupport::AccessibilityBus accessibility;
+        QVERIFY(accessibility.started());
+        Instance instance;
+        start(instance, breakSoon(300));
+        QString found;
+        const auto breakFound = [&] {
+            found = TestSupport::atspi({});
+            return found.contains("push button 'Skip'");
+        };
+        QTRY_VERIFY2_WITH_TIMEOUT(breakFound(), qPrintable(found), 30000);
+        // frame > alert named after the break > (what it tells as it goes,) the prompt, the
+        // countdown and Skip.
+        const QRegularExpression tree("\n  frame '[^']*'\n    alert 'Short break'\n      notification ''\n"
+                                      "      label 'Stand up and stretch'\n"
+                                      "      label '0[45]:\\d\\d'\n      push button 'Skip'");
+        QVERIFY2(tree.match(found).hasMatch(), qPrintable(found));
+        // Postpone is off: a hidden button is not there for the reader either.
+        QVERIFY2(!found.contains("Postpone"), qPrintable(found));
+
+        const QString pressed = TestSupport::atspi({"--do", "push button", "Skip", "Press"});
+        QVERIFY2(pressed.startsWith("Press True"), qPrintable(pressed));
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("working "), 10000);
+    }
+
+    void theBreakIsAnnouncedAsItOpensAMinuteBeforeItsEndAndAtItsEndNotEverySecond()
+    {
+        TestSupport::AccessibilityBus accessibility;
+        QVERIFY(accessibility.started());
+        Listener listener;
+        QTRY_VERIFY_WITH_TIMEOUT(listener.heard("listening"), 20000);
+        Instance instance;
+        start(instance, breakSoon(62));
+        const auto heard = [&] { return qPrintable(listener.read().join('\n')); };
+
+        // The break takes the focus as it opens: the reader says where it is and what it is.
+        const QString opening = "Short break, 62 seconds: Stand up and stretch";
+        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard("focus:|0|push button|Skip|" + opening), heard(), 30000);
+        QVERIFY2(!listener.read().filter(QRegularExpression("^window:activate\\|0\\|frame\\|")).isEmpty(), heard());
+        // A minute before the end a notification shows, which readers speak wherever the focus is.
+        const QString shown = "object:state-changed:showing|1|notification|";
+        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard(shown + "One minute left|"), heard(), 15000);
+        QCOMPARE(status().left(6), QString("break "));
+        // Ended by the reader's user: the end is told before the windows go.
+        QVERIFY(TestSupport::atspi({"--do", "push button", "Skip", "Press"}).startsWith("Press True"));
+        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard(shown + "The break is over|"), heard(), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("working "), 10000);
+        // Each said once or so, and never the running countdown.
+        QCOMPARE(listener.count(shown + "One minute left|"), 1);
+        QVERIFY2(listener.read().filter(shown).size() <= 3, heard());
+        QVERIFY2(listener.read().filter(QRegularExpression("\\d\\d:\\d\\d")).isEmpty(), heard());
+    }
+
+    void enterRightAfterABreakOpensSkipsIt()
+    {
+        Instance instance;
+        start(instance, breakSoon(300));
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 30000);
+        // No Tab first: Skip has the focus. Keys are taken once the break has been up half a
+        // second, so Enter goes again until the break is over.
+        const auto enterEnds = [] {
+            QProcess::execute("xdotool", {"key", "Return"});
+            return status().startsWith("working ");
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(enterEnds(), 15000);
+    }
+
+    void theBreakScreensTextsAndFocusRingStandOutFourAndAHalfToOne()
+    {
+        Instance instance;
+        start(instance, breakSoon(300));
+        QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 30000);
+        QImage shot;
+        QRect button;
+        const auto drawn = [&] {
+            shot = screenshot();
+            button = blueArea(shot);
+            // Drawn whole, the fade-in over: the button's blue is at full strength.
+            return !shot.isNull() && button.width() > 20 && commonest(shot, button) == qRgb(0x00, 0x70, 0xE8);
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(drawn(), 15000);
+        shot.save(QDir::current().filePath("accessibility-break-light.png"));
+        const QRgb background = shot.pixel(5, 5);
+        QCOMPARE(background, qRgb(255, 255, 255));
+
+        // The prompt: the commonest colour above the countdown, the background left aside.
+        const QRgb prompt = commonest(shot, QRect(0, 0, shot.width(), button.top() - 200), {background});
+        const double promptContrast = contrast(QColor(prompt), QColor(background));
+        QVERIFY2(promptContrast >= 4.5, qPrintable(QString::number(promptContrast)));
+
+        // Skip's label on its blue.
+        const QRgb fill = commonest(shot, button);
+        const double labelContrast = contrast(QColor(fill), Qt::white);
+        QVERIFY2(labelContrast >= 4.5, qPrintable(QString::number(labelContrast)));
+
+        // Skip has the focus: its ring, outside the blue, in the text colour.
+        const QRgb ring = commonest(shot, button.adjusted(-6, -6, 6, 6), {background, fill, qRgb(255, 255, 255)});
+        const double ringContrast = contrast(QColor(ring), QColor(background));
+        QVERIFY2(ringContrast >= 4.5, qPrintable(QString::number(ringContrast)));
+        qInfo("contrast: prompt %.2f:1, Skip's label %.2f:1, focus ring %.2f:1", promptContrast, labelContrast,
+              ringContrast);
+    }
+};
+
+namespace {
+
+void startPrivateWorld()
+{
+    TestSupport::startPrivateSessionBus();
+    TestSupport::startPrivateDisplayWithWindowManager();
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    return TestSupport::runTests<AccessibilityTest>(argc, argv, nullptr, startPrivateWorld);
+}
+
+#include "tst_accessibility.moc"
