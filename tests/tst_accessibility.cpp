@@ -6,10 +6,12 @@
 #include <QFile>
 #include <QHash>
 #include <QImage>
+#include <QMap>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <cmath>
+#include <cstring>
 
 // The break as a screen reader's user meets it: the real program on a display of its own with a
 // window manager, its accessibility bus on a private session bus, read with Debian's pyatspi
@@ -27,7 +29,7 @@ class AccessibilityTest : public QObject {
                QByteArray::number(breakSeconds) + '\n';
     }
 
-    static void start(Instance& instance, const QByteArray& settings)
+    static void start(Instance& instance, const QByteArray& settings, const QStringList& arguments = {})
     {
         QVERIFY(QDir().mkpath(instance.home.path() + "/.config/lulltide"));
         QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
@@ -39,7 +41,7 @@ class AccessibilityTest : public QObject {
         env.remove("LANGUAGE");
         env.insert("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
         instance.process.setProcessEnvironment(env);
-        instance.process.start(LULLTIDE_BINARY, {});
+        instance.process.start(LULLTIDE_BINARY, arguments);
         QVERIFY(instance.process.waitForStarted());
     }
 
@@ -200,6 +202,79 @@ private slots:
             return status().startsWith("working ");
         };
         QTRY_VERIFY_WITH_TIMEOUT(enterEnds(), 15000);
+    }
+
+    void theSettingsWindowsControlsAreNamedAndReachedWithTabAndArrowsOnEveryTab()
+    {
+        TestSupport::AccessibilityBus accessibility;
+        QVERIFY(accessibility.started());
+        Listener listener;
+        QTRY_VERIFY_WITH_TIMEOUT(listener.heard("listening"), 20000);
+        Instance instance;
+        start(instance, {}, {"--settings"});
+        const auto heard = [&] { return qPrintable(listener.read().join('\n')); };
+        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard("window:activate|0|frame|Settings|Settings"), heard(), 30000);
+
+        // The focus as the reader is told of it: "role|name".
+        const auto focused = [&] {
+            const QStringList focus = listener.read().filter(QRegularExpression("^focus:\\|"));
+            return focus.isEmpty() ? QString() : focus.last().section('|', 2, 3);
+        };
+        // Presses a key and waits until the focus moved.
+        const auto press = [&](const char* key) {
+            const qsizetype before = listener.read().filter(QRegularExpression("^focus:\\|")).size();
+            QProcess::execute("xdotool", {"key", key});
+            return QTest::qWaitFor(
+                [&] { return listener.read().filter(QRegularExpression("^focus:\\|")).size() > before; }, 5000);
+        };
+        QVERIFY(press("Tab"));
+        QCOMPARE(focused(), QString("page tab|General"));
+
+        QMap<QString, QStringList> reached; // tab → the controls Tab reached on it
+        const QStringList tabs{"General", "Workflow", "Style", "Timing", "History", "About"};
+        for (const QString& tab : tabs) {
+            if (tab != tabs.first()) {
+                QVERIFY(press("Right"));
+                QCOMPARE(focused(), "page tab|" + tab);
+            }
+            // Round the tab's controls and back to its tab.
+            for (int step = 0; step < 40; ++step) {
+                QVERIFY2(press("Tab"), qPrintable(tab + ": " + reached[tab].join(", ")));
+                if (focused() == "page tab|" + tab)
+                    break;
+                reached[tab] << focused();
+            }
+            QCOMPARE(focused(), "page tab|" + tab);
+            QVERIFY2(!reached[tab].isEmpty(), qPrintable(tab));
+            for (const QString& control : reached[tab])
+                QVERIFY2(!control.section('|', 0, 0).isEmpty() && !control.section('|', 1).isEmpty(),
+                         qPrintable(tab + ": " + control));
+            qInfo("%s: %lld controls reached with Tab, each with a role and a name: %s", qPrintable(tab),
+                  static_cast<long long>(reached[tab].size()), qPrintable(reached[tab].join(", ")));
+        }
+        QVERIFY(reached["General"].contains("check box|Launch at login"));
+        QVERIFY(reached["About"].contains("link|Release Notes"));
+        QVERIFY(!reached["Style"].filter(QRegularExpression("^list item\\|.+")).isEmpty());
+        QVERIFY2(!reached["History"].filter(QRegularExpression("^list item\\|.+taken, .+ skipped")).isEmpty(),
+                 qPrintable(reached["History"].join(", ")));
+
+        // The focused tab shows it: when the focus goes from the tab to the link below, the
+        // screen changes in two places apart, the tab's mark going and the link's coming.
+        const QImage markedTab = screenshot();
+        QVERIFY(press("Tab"));
+        QCOMPARE(focused(), QString("link|Release Notes"));
+        const QImage markedLink = screenshot();
+        QList<int> changedRows;
+        for (int y = 0; y < markedTab.height(); ++y) {
+            if (std::memcmp(markedTab.constScanLine(y), markedLink.constScanLine(y), markedTab.bytesPerLine()) != 0)
+                changedRows << y;
+        }
+        QVERIFY(!changedRows.isEmpty());
+        QVERIFY2(changedRows.last() - changedRows.first() + 1 > changedRows.size() + 20,
+                 qPrintable(QString("rows %1 to %2, %3 of them changed")
+                                .arg(changedRows.first())
+                                .arg(changedRows.last())
+                                .arg(changedRows.size())));
     }
 
     void theBreakScreensTextsAndFocusRingStandOutFourAndAHalfToOne()

@@ -643,6 +643,14 @@
         <source>%1: %2 at the screen; longest stretch without a break: %3; postponed: %4.</source>
         <translation>%1：在屏幕前 %2；最长连续未休息：%3；推迟：%4。</translation>
     </message>
+    <message>
+        <source>%1: %2 taken, %3 skipped, %4 cut short; %5 at the screen; longest stretch without a break: %6; postponed: %7.</source>
+        <translation>%1：休息 %2 次，跳过 %3 次，提前结束 %4 次；屏幕前 %5；最长连续工作：%6；推迟 %7 次。</translation>
+    </message>
+    <message>
+        <source>Days</source>
+        <translation>日期</translation>
+    </message>
 </context>
 <context>
     <name>PrefStyleView</name>

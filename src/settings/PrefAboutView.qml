@@ -41,15 +41,44 @@ Item {
                 objectName: "aboutVersion"
                 text: root.appInfo.versionLine
             }
-            Label {
+            // A link for the keyboard and for screen readers too: reached with Tab, opened with
+            // Enter or Space, said as a link.
+            Item {
+                id: releaseNotes
                 objectName: "aboutReleaseNotes"
-                text: "<a href=\"" + root.appInfo.releaseNotesLink + "\">" + qsTr("Release Notes") + "</a>"
-                textFormat: Text.StyledText
-                onLinkActivated: link => Qt.openUrlExternally(link)
+                readonly property alias text: notesLabel.text
+                implicitWidth: notesLabel.implicitWidth
+                implicitHeight: notesLabel.implicitHeight
+                activeFocusOnTab: true
+                Keys.onReturnPressed: open()
+                Keys.onEnterPressed: open()
+                Keys.onSpacePressed: open()
                 Accessible.role: Accessible.Link
                 Accessible.name: qsTr("Release Notes")
-                HoverHandler {
-                    cursorShape: Qt.PointingHandCursor
+                Accessible.onPressAction: open()
+
+                function open() {
+                    Qt.openUrlExternally(root.appInfo.releaseNotesLink)
+                }
+
+                Label {
+                    id: notesLabel
+                    text: "<a href=\"" + root.appInfo.releaseNotesLink + "\">" + qsTr("Release Notes") + "</a>"
+                    textFormat: Text.StyledText
+                    onLinkActivated: releaseNotes.open()
+                    Accessible.ignored: true
+                    HoverHandler {
+                        cursorShape: Qt.PointingHandCursor
+                    }
+                }
+                Rectangle {
+                    anchors.fill: parent
+                    anchors.margins: -2
+                    color: "transparent"
+                    radius: 2
+                    border.width: 2
+                    border.color: notesLabel.palette.highlight
+                    visible: releaseNotes.activeFocus
                 }
             }
         }

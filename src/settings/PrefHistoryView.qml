@@ -25,6 +25,14 @@ Item {
         summary = historyModel.load(days)
     }
 
+    // A day as a screen reader says it when the day takes the focus.
+    function dayText(day) {
+        return qsTr("%1: %2 taken, %3 skipped, %4 cut short; %5 at the screen; longest stretch without a break: %6; postponed: %7.")
+            .arg(summary.dates[day]).arg(summary.taken[day]).arg(summary.skipped[day])
+            .arg(summary.cutShort[day]).arg(summary.screen[day]).arg(summary.stretch[day])
+            .arg(summary.postponed[day])
+    }
+
     onDaysChanged: {
         pointedDay = -1
         reload()
@@ -73,6 +81,40 @@ Item {
             margins.bottom: 4
             margins.left: 4
             margins.right: 4
+
+            // The days for the keyboard: Tab reaches the first, Left and Right go from day to
+            // day, each marked and read out as it takes the focus.
+            Row {
+                x: chart.plotArea.x
+                y: chart.plotArea.y
+                width: chart.plotArea.width
+                height: chart.plotArea.height
+                Accessible.role: Accessible.List
+                Accessible.name: qsTr("Days")
+                Repeater {
+                    id: dayKeys
+                    model: root.summary.labels.length
+                    Rectangle {
+                        id: dayKey
+                        required property int index
+                        objectName: "historyDay" + index
+                        width: parent.width / dayKeys.count
+                        height: parent.height
+                        color: "transparent"
+                        radius: 3
+                        border.width: 2
+                        border.color: activeFocus ? palette.highlight : "transparent"
+                        activeFocusOnTab: index === 0
+                        Accessible.role: Accessible.ListItem
+                        Accessible.name: root.dayText(index)
+                        Accessible.focusable: true
+                        onActiveFocusChanged: if (activeFocus) root.pointedDay = index
+                        Keys.onLeftPressed: dayKeys.itemAt(Math.max(0, index - 1)).forceActiveFocus(Qt.TabFocusReason)
+                        Keys.onRightPressed: dayKeys.itemAt(Math.min(dayKeys.count - 1, index + 1))
+                                             .forceActiveFocus(Qt.TabFocusReason)
+                    }
+                }
+            }
 
             StackedBarSeries {
                 id: bars

@@ -67,9 +67,22 @@ Item {
                 model: root.styleState.prompts
                 boundsBehavior: Flickable.StopAtBounds
                 ScrollBar.vertical: ScrollBar {}
+                // Reached with Tab; Up and Down go from prompt to prompt, each read out as it
+                // takes the focus.
+                activeFocusOnTab: true
+                keyNavigationEnabled: true
+                highlightFollowsCurrentItem: false
+                Accessible.role: Accessible.List
+                Accessible.name: qsTr("Break Prompts")
                 delegate: Column {
+                    id: promptItem
                     required property string modelData
+                    required property int index
                     width: prompts.width
+                    focus: ListView.isCurrentItem
+                    Accessible.role: Accessible.ListItem
+                    Accessible.name: modelData
+                    Accessible.focusable: true
                     Label {
                         objectName: "promptText"
                         width: parent.width
@@ -77,8 +90,17 @@ Item {
                         wrapMode: Text.Wrap
                         topPadding: 6
                         bottomPadding: 6
-                        text: parent.modelData
+                        text: promptItem.modelData
                         textFormat: Text.PlainText
+                        Accessible.ignored: true
+                        Rectangle {
+                            anchors.fill: parent
+                            color: "transparent"
+                            border.width: 2
+                            border.color: colors.highlight
+                            radius: 3
+                            visible: promptItem.activeFocus
+                        }
                     }
                     Rectangle {
                         width: parent.width

@@ -3,7 +3,6 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Lulltide
-import Lulltide
 
 // The settings window's content: the tabs, opening on the first. Every control writes its
 // setting at once; there is nothing to apply or cancel.
@@ -20,41 +19,35 @@ Page {
         id: tabs
         objectName: "tabs"
 
-        TabButton {
+        PrefTabButton {
             objectName: "generalTab"
             text: qsTr("General")
             icon.name: "preferences-system"
-            width: Math.max(96, implicitWidth)
         }
-        TabButton {
+        PrefTabButton {
             objectName: "workflowTab"
             text: qsTr("Workflow")
             icon.name: "preferences-desktop"
-            width: Math.max(96, implicitWidth)
         }
-        TabButton {
+        PrefTabButton {
             objectName: "styleTab"
             text: qsTr("Style")
             icon.name: "accessories-dictionary"
-            width: Math.max(96, implicitWidth)
         }
-        TabButton {
+        PrefTabButton {
             objectName: "timingTab"
             text: qsTr("Timing")
             icon.name: "appointment-soon"
-            width: Math.max(96, implicitWidth)
         }
-        TabButton {
+        PrefTabButton {
             objectName: "historyTab"
             text: qsTr("History")
             icon.name: "x-office-spreadsheet"
-            width: Math.max(96, implicitWidth)
         }
-        TabButton {
+        PrefTabButton {
             objectName: "aboutTab"
             text: qsTr("About")
             icon.name: "help-about"
-            width: Math.max(96, implicitWidth)
         }
     }
 
