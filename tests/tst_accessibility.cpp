@@ -29,7 +29,8 @@ class AccessibilityTest : public QObject {
                QByteArray::number(breakSeconds) + '\n';
     }
 
-    static void start(Instance& instance, const QByteArray& settings, const QStringList& arguments = {})
+    static void start(Instance& instance, const QByteArray& settings, const QStringList& arguments = {},
+                      const QStringList& variables = {})
     {
         QVERIFY(QDir().mkpath(instance.home.path() + "/.config/lulltide"));
         QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
@@ -40,6 +41,8 @@ class AccessibilityTest : public QObject {
         env.insert("LC_ALL", "C.UTF-8");
         env.remove("LANGUAGE");
         env.insert("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+        for (const QString& variable : variables)
+            env.insert(variable.section('=', 0, 0), variable.section('=', 1));
         instance.process.setProcessEnvironment(env);
         instance.process.start(LULLTIDE_BINARY, arguments);
         QVERIFY(instance.process.waitForStarted());
@@ -277,10 +280,21 @@ private slots:
                                 .arg(changedRows.size())));
     }
 
+    void theBreakScreensTextsAndFocusRingStandOutFourAndAHalfToOne_data()
+    {
+        QTest::addColumn<QStringList>("theme");
+        QTest::addColumn<QRgb>("background");
+        QTest::newRow("light") << QStringList{} << qRgb(255, 255, 255);
+        // A dark GTK theme, carried over by Qt's gtk3 platform theme.
+        QTest::newRow("dark") << QStringList{"QT_QPA_PLATFORMTHEME=gtk3", "GTK_THEME=Adwaita:dark"} << qRgb(0, 0, 0);
+    }
+
     void theBreakScreensTextsAndFocusRingStandOutFourAndAHalfToOne()
     {
+        QFETCH(QStringList, theme);
+        QFETCH(QRgb, background);
         Instance instance;
-        start(instance, breakSoon(300));
+        start(instance, breakSoon(300), {}, theme);
         QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 30000);
         QImage shot;
         QRect button;
@@ -291,9 +305,8 @@ private slots:
             return !shot.isNull() && button.width() > 20 && commonest(shot, button) == qRgb(0x00, 0x70, 0xE8);
         };
         QTRY_VERIFY_WITH_TIMEOUT(drawn(), 15000);
-        shot.save(QDir::current().filePath("accessibility-break-light.png"));
-        const QRgb background = shot.pixel(5, 5);
-        QCOMPARE(background, qRgb(255, 255, 255));
+        shot.save(QDir::current().filePath(QString("accessibility-break-%1.png").arg(QTest::currentDataTag())));
+        QCOMPARE(shot.pixel(5, 5), background);
 
         // The prompt: the commonest colour above the countdown, the background left aside.
         const QRgb prompt = commonest(shot, QRect(0, 0, shot.width(), button.top() - 200), {background});
@@ -309,8 +322,8 @@ private slots:
         const QRgb ring = commonest(shot, button.adjusted(-6, -6, 6, 6), {background, fill, qRgb(255, 255, 255)});
         const double ringContrast = contrast(QColor(ring), QColor(background));
         QVERIFY2(ringContrast >= 4.5, qPrintable(QString::number(ringContrast)));
-        qInfo("contrast: prompt %.2f:1, Skip's label %.2f:1, focus ring %.2f:1", promptContrast, labelContrast,
-              ringContrast);
+        qInfo("contrast (%s): prompt %.2f:1, Skip's label %.2f:1, focus ring %.2f:1", QTest::currentDataTag(),
+              promptContrast, labelContrast, ringContrast);
     }
 };
 
