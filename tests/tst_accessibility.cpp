@@ -280,6 +280,49 @@ private slots:
                                 .arg(changedRows.size())));
     }
 
+    void whenTheDesktopAsksForLessAnimationTheBreakAppearsWithoutItsFade_data()
+    {
+        QTest::addColumn<QString>("desktop");
+        QTest::newRow("GNOME's enable-animations off") << "gnome";
+        QTest::newRow("KDE's animation speed instant") << "kde";
+    }
+
+    void whenTheDesktopAsksForLessAnimationTheBreakAppearsWithoutItsFade()
+    {
+        QFETCH(QString, desktop);
+        Instance instance;
+        const QString config = instance.home.path() + "/.config";
+        QVERIFY(QDir().mkpath(config));
+        QStringList variables;
+        if (desktop == "gnome") {
+            // GSettings in a file of the test's own, as GNOME's dconf would hold it.
+            variables << "GSETTINGS_BACKEND=keyfile";
+            QProcess gsettings;
+            QProcessEnvironment env = TestSupport::environmentWithHome(instance.home.path());
+            env.insert("GSETTINGS_BACKEND", "keyfile");
+            gsettings.setProcessEnvironment(env);
+            gsettings.start("gsettings", {"set", "org.gnome.desktop.interface", "enable-animations", "false"});
+            QVERIFY(gsettings.waitForFinished(15000));
+            QCOMPARE(gsettings.exitCode(), 0);
+        } else {
+            QFile globals(config + "/kdeglobals");
+            QVERIFY(globals.open(QIODevice::WriteOnly));
+            globals.write("[KDE]\nAnimationDurationFactor=0\n");
+        }
+        start(instance, breakSoon(300), {}, variables);
+        QStringList windows;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            !(windows = TestSupport::visibleWindowsOf(instance.process.processId())).isEmpty(), 30000);
+        // Seen at once at full strength: a fade would start it at nothing and take a second.
+        QProcess opacity;
+        opacity.start("xprop", {"-id", windows.first(), "_NET_WM_WINDOW_OPACITY"});
+        QVERIFY(opacity.waitForFinished(10000));
+        const QString value = QString::fromUtf8(opacity.readAllStandardOutput()).trimmed();
+        QVERIFY2(value.endsWith("not found.") || value.endsWith("= 4294967295"), qPrintable(value));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            instance.log().contains("breaks appear without their fade: the desktop asks for less animation"), 10000);
+    }
+
     void theBreakScreensTextsAndFocusRingStandOutFourAndAHalfToOne_data()
     {
         QTest::addColumn<QStringList>("theme");

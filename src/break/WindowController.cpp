@@ -4,6 +4,7 @@
 #include "BreakWindowGuard.h"
 #include "IconFont.h"
 #include "QmlEngine.h"
+#include "ReducedMotion.h"
 #include "X11WindowHints.h"
 #include "appinfo/AppInfo.h"
 #include "cycle/AppState.h"
@@ -333,11 +334,19 @@ bool showBreak()
     }
     breakShown = true;
     guard().breakStarts();
+    const bool still = ReducedMotion::requested();
+    // Said when it changes, not at every break.
+    static bool saidStill = false;
+    if (std::exchange(saidStill, still) != still)
+        logger().info(still ? QStringLiteral("breaks appear without their fade: the desktop asks for less animation")
+                            : QStringLiteral("breaks fade in again: the desktop allows animation"));
     for (QQuickWindow* w : windows) {
         guard().watch(w);
-        fadeTarget(w)->setProperty("opacity", 0.0);
+        stopFade(w);
+        fadeTarget(w)->setProperty("opacity", still ? 1.0 : 0.0);
         present(w);
-        fade(w, 1.0);
+        if (!still)
+            fade(w, 1.0);
     }
     // The primary screen's break window takes the keyboard focus.
     if (QQuickWindow* primary = findWindow(windowTitle(QGuiApplication::primaryScreen()))) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "GSettingsHoldSource.h"
 
+#include "appinfo/GSettingsKey.h"
+
 // GIO names a structure member "signals", which Qt defines as a keyword.
 #undef signals
 #include <gio/gio.h>
@@ -23,17 +25,9 @@ GSettingsHoldSource::~GSettingsHoldSource()
 
 bool GSettingsHoldSource::start()
 {
-    // g_settings_new() aborts the process for a schema that is not installed: look first.
-    GSettingsSchemaSource* source = g_settings_schema_source_get_default();
-    GSettingsSchema* schema =
-        source ? g_settings_schema_source_lookup(source, m_schema.constData(), TRUE) : nullptr;
-    if (!schema)
+    m_settings = GSettingsKey::open(m_schema, m_key);
+    if (!m_settings)
         return false;
-    const bool hasKey = g_settings_schema_has_key(schema, m_key.constData());
-    g_settings_schema_unref(schema);
-    if (!hasKey)
-        return false;
-    m_settings = g_settings_new(m_schema.constData());
     g_signal_connect(m_settings, QByteArray("changed::" + m_key).constData(),
                      G_CALLBACK(&GSettingsHoldSource::changed), this);
     update();
