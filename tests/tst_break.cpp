@@ -19,6 +19,7 @@
 #include <QPropertyAnimation>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QSettings>
 
@@ -420,16 +421,44 @@ private slots:
     {
         finishWork();
         QQuickWindow* primary = breakWindow("DP-1");
+        QQuickItem* view = child(primary, "breakView");
+        // "As the break appears" lasts as long as this test needs, however slow the machine.
+        view->setProperty("keysArmAfter", 3600 * 1000);
         QVERIFY(QTest::qWaitForWindowExposed(primary));
         // Skip has the focus from the start, so a person need not look for it.
         QTRY_VERIFY(child(primary, "skipButton")->hasActiveFocus());
+        QMetaObject::invokeMethod(view, "takeFocus"); // the long wait from now, had it begun before
+        QVERIFY(!view->property("keysArmed").toBool());
         QTest::keyClick(primary, Qt::Key_Space);
         QTest::keyClick(primary, Qt::Key_Return);
         QCOMPARE(visibleBreakWindows(), 2);
-        // Half a second on, keys count.
-        QTRY_VERIFY(child(primary, "breakView")->property("keysArmed").toBool());
+        // A moment on, keys count.
+        view->setProperty("keysArmAfter", 500);
+        QMetaObject::invokeMethod(view, "takeFocus");
+        QTRY_VERIFY(view->property("keysArmed").toBool());
         QTest::keyClick(primary, Qt::Key_Return);
         QCOMPARE(visibleBreakWindows(), 0);
+    }
+
+    void whenKdeAsksForInstantAnimationsTheBreakAppearsWithoutItsFade()
+    {
+        const QString globals = qEnvironmentVariable("XDG_CONFIG_HOME") + "/kdeglobals";
+        QFile file(globals);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("[KDE]\nAnimationDurationFactor=0\n");
+        file.close();
+        const auto removeFile = qScopeGuard([&] { QFile::remove(globals); });
+        finishWork();
+        QQuickWindow* primary = breakWindow("DP-1");
+        QCOMPARE(primary->opacity(), 1.0);
+        QVERIFY(!primary->findChild<QPropertyAnimation*>("fade"));
+        prompt().skip();
+
+        // Without the wish, the same window fades in from nothing.
+        QFile::remove(globals);
+        finishWork();
+        QVERIFY(primary->opacity() < 1.0);
+        QVERIFY(primary->findChild<QPropertyAnimation*>("fade"));
     }
 
     void promptWithBackslashNIsShownOnTwoLines()

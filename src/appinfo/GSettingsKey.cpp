@@ -14,9 +14,10 @@ GSettings* open(const QByteArray& schema, const QByteArray& key)
     GSettingsSchema* found = source ? g_settings_schema_source_lookup(source, schema.constData(), TRUE) : nullptr;
     if (!found)
         return nullptr;
-    const bool hasKey = g_settings_schema_has_key(found, key.constData());
+    GSettings* settings =
+        g_settings_schema_has_key(found, key.constData()) ? g_settings_new_full(found, nullptr, nullptr) : nullptr;
     g_settings_schema_unref(found);
-    return hasKey ? g_settings_new(schema.constData()) : nullptr;
+    return settings;
 }
 
 bool readBool(const QByteArray& schema, const QByteArray& key, bool fallback)

@@ -31,8 +31,9 @@ private:
     // Says "drawn" once the first frame of the break is on every screen.
     void tellWhenDrawn();
 
-    // Long enough for the accessibility bus to carry the last words to the reader.
-    static constexpr int screenReaderGrace = 300;
+    // Long enough for the reader to fetch the last words from this process and start saying
+    // them before the windows go and the focus moves on.
+    static constexpr int screenReaderGrace = 1500;
 
     ViewChannel m_channel;
     RemoteBreakState m_state;

@@ -22,7 +22,14 @@ Rectangle {
     readonly property string breakTitle: promptState.kindName === "long" ? qsTr("Long break")
                                          : promptState.kindName === "newDay" ? qsTr("A new day")
                                          : qsTr("Short break")
-    readonly property string announcement: {
+    // Said as the break opens, from the focused control's description; fixed for the break, so
+    // that the description never changes under the reader.
+    readonly property string opening: breakState.length > 0
+                                      ? qsTr("%1, %2: %3").arg(breakTitle)
+                                        .arg(durationText(Math.round(breakState.length))).arg(promptText.text)
+                                      : ""
+    // The milestones, told by the notification below: empty until one comes.
+    readonly property string milestone: {
         if (breakState.length <= 0)
             return "" // no break yet: the view is made ahead of it
         const left = Math.ceil(breakState.secondsLeft)
@@ -30,24 +37,26 @@ Rectangle {
             return qsTr("The break is over")
         if (breakState.length > 60 && left <= 60)
             return qsTr("One minute left")
-        return qsTr("%1, %2: %3").arg(breakTitle).arg(durationText(Math.round(breakState.length)))
-                                 .arg(promptText.text)
+        return ""
     }
     // Keys do nothing for half a second after the break takes the focus: a key meant for
     // another program, pressed as the break appears, must not skip it.
     property bool keysArmed: false
+    property int keysArmAfter: 500
 
     anchors.fill: parent
     color: darkScheme ? "black" : "white"
 
     Accessible.role: Accessible.AlertMessage
     Accessible.name: breakTitle
-    Accessible.description: announcement
+    Accessible.description: opening
     Accessible.focusable: true
 
-    onAnnouncementChanged: {
-        if (announcement !== "" && (breakState.secondsLeft <= 0 || (breakState.length > 60 && breakState.secondsLeft <= 60)))
-            milestone.tell(announcement)
+    onMilestoneChanged: {
+        if (milestone !== "")
+            notification.tell(milestone)
+        else
+            notification.visible = false // a new break, in a view kept from the last one
     }
 
     function durationText(seconds) {
@@ -62,7 +71,7 @@ Rectangle {
     function takeFocus() {
         if (!Window.active)
             return
-        (skipButton.visible ? skipButton : root).forceActiveFocus()
+        (root.promptState.showSkipButton ? skipButton : root).forceActiveFocus()
         // Every time the break takes the focus (a new break, or back from another window).
         keysArmed = false
         arming.restart()
@@ -81,7 +90,7 @@ Rectangle {
     }
 
     Item {
-        id: milestone
+        id: notification
         visible: false
         Accessible.role: Accessible.Notification
         Accessible.name: said
@@ -97,7 +106,7 @@ Rectangle {
 
     Timer {
         id: arming
-        interval: 500
+        interval: root.keysArmAfter
         onTriggered: root.keysArmed = true
     }
 
@@ -172,7 +181,7 @@ Rectangle {
                 text: qsTr("Skip")
                 ringColor: palette.windowText
                 keysEnabled: root.keysArmed
-                Accessible.description: root.announcement
+                Accessible.description: root.opening
                 onActivated: root.skipAction()
             }
 

@@ -66,6 +66,14 @@ void ViewProcess::send(const QJsonObject& message)
     m_channel->send(message);
 }
 
+ViewProcess::~ViewProcess()
+{
+    if (m_process.state() != QProcess::NotRunning) {
+        m_process.kill();
+        m_process.waitForFinished(1000);
+    }
+}
+
 void ViewProcess::retire()
 {
     m_retired = true;

@@ -16,6 +16,9 @@ class ViewProcess : public QObject {
 public:
     // `program` is Lulltide's own executable, `option` what the process is to show.
     ViewProcess(const QString& program, const QString& option, QObject* parent = nullptr);
+    // A process still running then (a break screen still telling a screen reader that the break
+    // is over, as Lulltide quits) is ended.
+    ~ViewProcess() override;
 
     void start();
     void send(const QJsonObject& message);

@@ -335,11 +335,8 @@ bool showBreak()
     breakShown = true;
     guard().breakStarts();
     const bool still = ReducedMotion::requested();
-    // Said when it changes, not at every break.
-    static bool saidStill = false;
-    if (std::exchange(saidStill, still) != still)
-        logger().info(still ? QStringLiteral("breaks appear without their fade: the desktop asks for less animation")
-                            : QStringLiteral("breaks fade in again: the desktop allows animation"));
+    if (still)
+        logger().info(QStringLiteral("the break appears without its fade: the desktop asks for less animation"));
     for (QQuickWindow* w : windows) {
         guard().watch(w);
         stopFade(w);

@@ -17,6 +17,8 @@ Item {
     property int days: 7
     // The day the pointer is on in the month's chart, whose columns have no room for text.
     property int pointedDay: -1
+    // The day of the chart the keyboard is on.
+    property int focusedDay: 0
     property var summary: historyModel.load(days)
     // "⟳ 2" under a day with postponements, nothing under one without.
     readonly property var postponedLine: summary.postponed.map(n => n > 0 ? "⟳ " + n : "")
@@ -98,17 +100,18 @@ Item {
                         id: dayKey
                         required property int index
                         objectName: "historyDay" + index
-                        width: parent.width / dayKeys.count
-                        height: parent.height
+                        width: chart.plotArea.width / Math.max(1, dayKeys.count)
+                        height: chart.plotArea.height
                         color: "transparent"
                         radius: 3
                         border.width: 2
                         border.color: activeFocus ? palette.highlight : "transparent"
-                        activeFocusOnTab: index === 0
+                        // One stop in the Tab chain: the day last visited.
+                        activeFocusOnTab: index === Math.min(root.focusedDay, dayKeys.count - 1)
                         Accessible.role: Accessible.ListItem
                         Accessible.name: root.dayText(index)
                         Accessible.focusable: true
-                        onActiveFocusChanged: if (activeFocus) root.pointedDay = index
+                        onActiveFocusChanged: if (activeFocus) root.pointedDay = root.focusedDay = index
                         Keys.onLeftPressed: dayKeys.itemAt(Math.max(0, index - 1)).forceActiveFocus(Qt.TabFocusReason)
                         Keys.onRightPressed: dayKeys.itemAt(Math.min(dayKeys.count - 1, index + 1))
                                              .forceActiveFocus(Qt.TabFocusReason)

@@ -5,7 +5,7 @@
 # name is the first argument (an application's line ends with its process id). With
 # "--do ROLE NAME ACTION" it does that action of that accessible instead. With "--events" it
 # prints, until ended, what a screen reader is told: a line "listening", then one line per
-# focus, window activation, description change or accessible shown,
+# focus, window activation, change of name or description, or accessible shown,
 # "event|detail|role|name|description".
 # Uses Debian's pyatspi, as orca does.
 import sys
@@ -53,7 +53,7 @@ def print_event(event):
 if len(sys.argv) == 3 and sys.argv[2] == "--events":
     pyatspi.Registry.registerEventListener(
         print_event, "focus:", "window:activate", "object:property-change:accessible-description",
-        "object:state-changed:showing")
+        "object:property-change:accessible-name", "object:state-changed:showing")
     print("listening", flush=True)
     pyatspi.Registry.start()
     sys.exit(0)
