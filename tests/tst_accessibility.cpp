@@ -373,7 +373,7 @@ private slots:
         QStringList variables;
         if (desktop == "gnome") {
             // GSettings in a file of the test's own, as GNOME's dconf would hold it.
-            variables << "GSETTINGS_BACKEND=keyfile";
+            variables << "GSETTINGS_BACKEND=keyfile" << "XDG_CURRENT_DESKTOP=GNOME";
             QProcess gsettings;
             QProcessEnvironment env = TestSupport::environmentWithHome(instance.home.path());
             env.insert("GSETTINGS_BACKEND", "keyfile");

@@ -5,6 +5,7 @@
 
 #include <QSettings>
 #include <QStandardPaths>
+#include <algorithm>
 
 namespace ReducedMotion {
 namespace {
@@ -26,11 +27,26 @@ bool kdeAnimationsOff()
     return false;
 }
 
+// GNOME and the desktops built on it keep the wish in GSettings. Elsewhere the key is not read:
+// reading it starts dconf's own connection to the session bus, and dconf ends the process
+// when that bus goes away.
+bool gnomeAnimationsOff()
+{
+    static const QStringList gnomeFamily{QStringLiteral("GNOME"), QStringLiteral("Unity"),
+                                         QStringLiteral("Budgie"), QStringLiteral("Cinnamon"),
+                                         QStringLiteral("Pantheon")};
+    const QStringList desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':');
+    const bool gnome = std::any_of(desktops.cbegin(), desktops.cend(), [](const QString& desktop) {
+        return gnomeFamily.contains(desktop, Qt::CaseInsensitive);
+    });
+    return gnome && !GSettingsKey::readBool("org.gnome.desktop.interface", "enable-animations", true);
+}
+
 } // namespace
 
 bool requested()
 {
-    return !GSettingsKey::readBool("org.gnome.desktop.interface", "enable-animations", true) || kdeAnimationsOff();
+    return gnomeAnimationsOff() || kdeAnimationsOff();
 }
 
 } // namespace ReducedMotion
