@@ -80,8 +80,17 @@ class AccessibilityTest : public QObject {
             return lines;
         }
         bool heard(const QString& line) { return read().contains(line); }
+        // Everything heard, for a failure's message.
+        QByteArray all() { return read().join('\n').toUtf8(); }
         qsizetype count(const QString& line) { return read().count(line); }
     };
+
+    // Enter, as often as it takes: keys count once the break has had the focus a moment.
+    static bool enterEnds()
+    {
+        QProcess::execute("xdotool", {"key", "Return"});
+        return status().startsWith("working ");
+    }
 
     static QImage screenshot()
     {
@@ -174,26 +183,25 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(listener.heard("listening"), 20000);
         Instance instance;
         start(instance, breakSoon(62));
-        const auto heard = [&] { return listener.read().join('\n').toUtf8(); };
 
         // The break takes the focus as it opens: the reader says where it is and what it is.
         const QString opening = "Short break, 62 seconds: Stand up and stretch";
-        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard("focus:|0|push button|Skip|" + opening), heard().constData(), 30000);
-        QVERIFY2(!listener.read().filter(QRegularExpression("^window:activate\\|0\\|frame\\|")).isEmpty(), heard().constData());
+        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard("focus:|0|push button|Skip|" + opening), listener.all().constData(), 30000);
+        QVERIFY2(!listener.read().filter(QRegularExpression("^window:activate\\|0\\|frame\\|")).isEmpty(), listener.all().constData());
         // A minute before the end a notification shows, which readers speak wherever the focus is.
         const QString shown = "object:state-changed:showing|1|notification|";
-        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard(shown + "One minute left|"), heard().constData(), 15000);
+        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard(shown + "One minute left|"), listener.all().constData(), 15000);
         QCOMPARE(status().left(6), QString("break "));
         // Ended by the reader's user: the end is told before the windows go.
         QVERIFY(TestSupport::atspi({"--do", "push button", "Skip", "Press"}).startsWith("Press True"));
-        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard(shown + "The break is over|"), heard().constData(), 10000);
+        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard(shown + "The break is over|"), listener.all().constData(), 10000);
         QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("working "), 10000);
         // Each said once or so. The countdown's seconds change only the name of its label, which
         // readers leave unsaid; they reach no focus, description or notification.
         QCOMPARE(listener.count(shown + "One minute left|"), 1);
-        QVERIFY2(listener.read().filter(shown).size() <= 3, heard().constData());
+        QVERIFY2(listener.read().filter(shown).size() <= 3, listener.all().constData());
         const QStringList seconds = listener.read().filter(QRegularExpression("\\d\\d:\\d\\d"));
-        QVERIFY2(seconds.size() >= 2, heard().constData()); // the label's name did change
+        QVERIFY2(seconds.size() >= 2, listener.all().constData()); // the label's name did change
         for (const QString& line : seconds)
             QVERIFY2(line.startsWith("object:property-change:accessible-name|0|label|"), qPrintable(line));
     }
@@ -242,10 +250,6 @@ private slots:
         QVERIFY2(said().contains("Skip push button."), qPrintable(said().join('\n')));
         QTRY_VERIFY2_WITH_TIMEOUT(said().contains("notification One minute left."), qPrintable(said().join('\n')),
                                   15000);
-        const auto enterEnds = [] {
-            QProcess::execute("xdotool", {"key", "Return"});
-            return status().startsWith("working ");
-        };
         QTRY_VERIFY_WITH_TIMEOUT(enterEnds(), 15000);
         QTRY_VERIFY2_WITH_TIMEOUT(said().contains("notification The break is over."),
                                   qPrintable(said().join('\n')), 10000);
@@ -261,10 +265,6 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("break "), 30000);
         // No Tab first: Skip has the focus. Keys are taken once the break has been up half a
         // second, so Enter goes again until the break is over.
-        const auto enterEnds = [] {
-            QProcess::execute("xdotool", {"key", "Return"});
-            return status().startsWith("working ");
-        };
         QTRY_VERIFY_WITH_TIMEOUT(enterEnds(), 15000);
     }
 
@@ -276,8 +276,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(listener.heard("listening"), 20000);
         Instance instance;
         start(instance, {}, {"--settings"});
-        const auto heard = [&] { return listener.read().join('\n').toUtf8(); };
-        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard("window:activate|0|frame|Settings|Settings"), heard().constData(), 30000);
+        QTRY_VERIFY2_WITH_TIMEOUT(listener.heard("window:activate|0|frame|Settings|Settings"), listener.all().constData(), 30000);
 
         // The focus as the reader is told of it: "role|name".
         const auto focused = [&] {
