@@ -390,8 +390,9 @@ private slots:
         // The break ends by itself: both windows close, one work period follows.
         QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 30000);
         QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
-        // Closed, kept for the next break (its native window is made anew, with a small buffer).
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", false).size(), 1, 15000);
+        // The next break's process makes its windows hidden, ahead of the break. Under the
+        // sanitizers the last process's leak check at its exit and the next one's start take long.
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", false).size(), 1, 60000);
         QTRY_VERIFY(program.messages().count("ticktack timer start 3.0") >= 2);
     }
 
@@ -608,7 +609,7 @@ private slots:
         QCOMPARE(windowsNamed("EXTRA1", false).size(), 0);
         run("xrandr", {"--setmonitor", "EXTRA1", "1024/271x768/203+1280+0", "none"});
         QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 30000);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", false).size(), 1, 15000);
+        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", false).size(), 1, 60000);
         QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
     }
 };

@@ -218,6 +218,12 @@ class HoldTest : public QObject {
         }
     }
 
+    // Signals heard on the hold sources' own connection.
+    int m_signals = 0;
+
+public slots:
+    void countSignal() { ++m_signals; }
+
 private slots:
     void initTestCase() { QVERIFY(desktop.isConnected()); }
 
@@ -332,6 +338,34 @@ private slots:
         QTRY_VERIFY(source.holding());
         desktop.unregisterService("org.freedesktop.PowerManagement");
         QTRY_VERIFY(!source.holding());
+        desktop.unregisterObject("/org/freedesktop/PowerManagement/Inhibit");
+    }
+
+    void anAnswerThatArrivesAfterTheServiceWentHoldsNothing()
+    {
+        StandInPowerManagement power(desktop);
+        QVERIFY(power.start());
+        power.setInhibit(true);
+        power.holdAnswers();
+        PowerInhibitHoldSource source(QDBusConnection::sessionBus());
+        source.start();
+        QTRY_COMPARE(power.heldQuestions(), 1);
+        desktop.unregisterService("org.freedesktop.PowerManagement");
+        // The late answer, then a signal sent after it on the same connection: once the signal
+        // is in, so is the answer.
+        QVERIFY(QDBusConnection::sessionBus().connect(
+            QString(), "/org/freedesktop/PowerManagement/Inhibit", "org.freedesktop.PowerManagement.Inhibit",
+            "HasInhibitChanged", this, SLOT(countSignal())));
+        auto disconnect = qScopeGuard([&] {
+            QDBusConnection::sessionBus().disconnect(
+                QString(), "/org/freedesktop/PowerManagement/Inhibit", "org.freedesktop.PowerManagement.Inhibit",
+                "HasInhibitChanged", this, SLOT(countSignal()));
+        });
+        m_signals = 0;
+        power.answerHeld();
+        power.setInhibit(true);
+        QTRY_COMPARE(m_signals, 1);
+        QVERIFY(!source.holding());
         desktop.unregisterObject("/org/freedesktop/PowerManagement/Inhibit");
     }
 

@@ -27,11 +27,9 @@ void DBusHoldSource::start()
                                        QStringLiteral("/org/freedesktop/DBus"),
                                        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"))
         << m_service;
-    whenAnswered(m_connection.asyncCall(call), [this](const QVariant& owner) {
-        // An owner announced meanwhile is newer than this answer.
-        if (m_owner.isEmpty())
-            ownerChanged(owner.toString());
-    });
+    // An owner announced meanwhile is newer than this answer, which is then dropped.
+    whenAnswered(m_connection.asyncCall(call),
+                 [this](const QVariant& owner) { ownerChanged(owner.toString()); });
 }
 
 void DBusHoldSource::ownerChanged(const QString& owner)
@@ -57,16 +55,21 @@ bool DBusHoldSource::fromOwner() const
 void DBusHoldSource::whenAnswered(const QDBusPendingCall& call, std::function<void(const QVariant&)> done)
 {
     auto* watcher = new QDBusPendingCallWatcher(call, this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, done = std::move(done)] {
-        watcher->deleteLater();
-        const QDBusMessage reply = watcher->reply();
-        if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
-            done({});
-            return;
-        }
-        QVariant value = reply.arguments().constFirst();
-        if (value.canConvert<QDBusVariant>())
-            value = value.value<QDBusVariant>().variant();
-        done(value);
-    });
+    // An answer is about the owner it was asked of: one that comes after the owner changed
+    // (the service went, or came back as another process) is stale.
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, watcher, askedOf = m_owner, done = std::move(done)] {
+                watcher->deleteLater();
+                if (m_owner != askedOf)
+                    return;
+                const QDBusMessage reply = watcher->reply();
+                if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
+                    done({});
+                    return;
+                }
+                QVariant value = reply.arguments().constFirst();
+                if (value.canConvert<QDBusVariant>())
+                    value = value.value<QDBusVariant>().variant();
+                done(value);
+            });
 }

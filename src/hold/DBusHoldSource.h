@@ -31,7 +31,8 @@ protected:
     virtual void subscribe() = 0;
     // Asks the service for the present state (at start and whenever it appears).
     virtual void query() = 0;
-    // Runs `done` with the answer once it is back; an error answer counts as not holding.
+    // Runs `done` with the answer once it is back, unless the owner changed meanwhile; an error
+    // answer comes as an empty value.
     void whenAnswered(const QDBusPendingCall& call, std::function<void(const QVariant&)> done);
     // Connects `slot` to a signal of the service's object at `path`. (Naming the service here
     // would make the bus library ask for its owner and wait for the answer.)

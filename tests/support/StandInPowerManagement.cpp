@@ -15,3 +15,19 @@ void StandInPowerManagement::setInhibit(bool inhibit)
     m_inhibit = inhibit;
     emit HasInhibitChanged(inhibit);
 }
+
+bool StandInPowerManagement::HasInhibit()
+{
+    if (m_holdAnswers) {
+        setDelayedReply(true);
+        m_held.append(message());
+    }
+    return m_inhibit;
+}
+
+void StandInPowerManagement::answerHeld()
+{
+    for (const QDBusMessage& question : std::as_const(m_held))
+        m_bus.send(question.createReply(m_inhibit));
+    m_held.clear();
+}
