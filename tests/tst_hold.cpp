@@ -353,13 +353,13 @@ private slots:
         desktop.unregisterService("org.freedesktop.PowerManagement");
         // The late answer, then a signal sent after it on the same connection: once the signal
         // is in, so is the answer.
-        QVERIFY(QDBusConnection::sessionBus().connect(
-            QString(), "/org/freedesktop/PowerManagement/Inhibit", "org.freedesktop.PowerManagement.Inhibit",
-            "HasInhibitChanged", this, SLOT(countSignal())));
+        QVERIFY(QDBusConnection::sessionBus().connect(QString(), "/org/freedesktop/PowerManagement/Inhibit",
+                                                      "org.freedesktop.PowerManagement.Inhibit",
+                                                      "HasInhibitChanged", this, SLOT(countSignal())));
         auto disconnect = qScopeGuard([&] {
-            QDBusConnection::sessionBus().disconnect(
-                QString(), "/org/freedesktop/PowerManagement/Inhibit", "org.freedesktop.PowerManagement.Inhibit",
-                "HasInhibitChanged", this, SLOT(countSignal()));
+            QDBusConnection::sessionBus().disconnect(QString(), "/org/freedesktop/PowerManagement/Inhibit",
+                                                     "org.freedesktop.PowerManagement.Inhibit",
+                                                     "HasInhibitChanged", this, SLOT(countSignal()));
         });
         m_signals = 0;
         power.answerHeld();
