@@ -45,10 +45,10 @@ class BreakTest : public QObject {
         }
         return windows;
     }
-    static QQuickWindow* breakWindow(const QString& title)
+    static QQuickWindow* breakWindow(const QString& screenKey)
     {
         for (QQuickWindow* window : breakWindows()) {
-            if (window->title() == title)
+            if (window->property("screenKey").toString() == screenKey)
                 return window;
         }
         return nullptr;
@@ -229,6 +229,7 @@ private slots:
             finishWork();
             longBreaks << isLongBreak();
             QCOMPARE(prompt().prompt() == prefs().longBreakPrompt(), isLongBreak());
+            QTRY_COMPARE(breakWindow("DP-1")->title(), isLongBreak() ? "Long break" : "Short break");
             finishBreak();
         }
         QCOMPARE(longBreaks, QList<bool>({false, false, true, false, false, true}));
@@ -485,7 +486,7 @@ private slots:
 
     // The windows.
 
-    void twoScreensGetTwoWindowsTitledByDisplayCoveringEachScreen()
+    void twoScreensGetTwoWindowsNamedAfterTheBreakCoveringEachScreen()
     {
         finishWork();
         QCOMPARE(visibleBreakWindows(), 2);
@@ -497,6 +498,7 @@ private slots:
         QCOMPARE(left->screen()->name(), "DP-1");
         QCOMPARE(right->screen()->name(), "HDMI-1");
         for (QQuickWindow* window : {left, right}) {
+            QCOMPARE(window->title(), "Short break");
             QVERIFY(window->flags() & Qt::FramelessWindowHint);
             QVERIFY(window->flags() & Qt::WindowStaysOnTopHint);
             QCOMPARE(window->color(), QColor(0xAA, 0xAA, 0xAA));
@@ -610,7 +612,7 @@ private slots:
         finishWork();
         // The window of HDMI-1 now stands for a screen that has gone away; HDMI-1 is "new".
         QQuickWindow* detached = breakWindow("HDMI-1");
-        detached->setTitle("gone");
+        detached->setProperty("screenKey", "gone");
         const int windows = breakWindows().size();
         finishBreak();
         QCOMPARE(breakWindows().size(), windows + 1);
@@ -680,7 +682,8 @@ static int childMain(const QByteArray& mode)
             for (QWindow* window : QGuiApplication::allWindows()) {
                 if (window->objectName() != "breakWindow" || window->screen() != screens.at(i))
                     continue;
-                std::printf("screen %d: window \"%s\" %s, %s\n", i, qPrintable(window->title()),
+                std::printf("screen %d: window \"%s\" %s, %s\n", i,
+                            qPrintable(window->property("screenKey").toString()),
                             window->isVisible() ? "shown" : "hidden",
                             window->geometry() == screens.at(i)->geometry() ? "covering it" : "elsewhere");
             }

@@ -40,14 +40,10 @@ class BreakScreenTest : public QObject {
         return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
     }
 
-    QStringList windowsNamed(const QString& name, bool onlyVisible)
+    // The break windows of the screen (named by xrandr), by the role each carries.
+    QStringList breakWindowsOf(const QString& screen, bool onlyVisible)
     {
-        QStringList arguments;
-        if (onlyVisible)
-            arguments << "--onlyvisible";
-        arguments << "--name"
-                  << "^" + name + "$";
-        return TestSupport::searchWindows(arguments, onDisplay());
+        return TestSupport::windowsWithRole("break-" + screen, onlyVisible, onDisplay());
     }
 
     QRect geometryOf(const QString& windowId)
@@ -316,10 +312,10 @@ private slots:
         start(program, "work_time=0.02\nbreak_time=60\n", environment);
         // At a fraction the first break makes an OpenGL context (llvmpipe here), which a loaded
         // machine takes its time over.
-        QTRY_VERIFY2_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size() == 1,
+        QTRY_VERIFY2_WITH_TIMEOUT(breakWindowsOf("DUMMY0", true).size() == 1,
                                   qPrintable(program.logText() + program.process.readAllStandardError()),
                                   60000);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 20000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", true).size(), 1, 20000);
         // The first frame through llvmpipe comes late on a loaded machine and under the sanitizers.
         QCOMPARE(breakScreenFaultsAfterWaiting(60000), QString());
         if (dpi == 100) {
@@ -343,10 +339,10 @@ private slots:
             client.waitForFinished(10000);
             exitCode = client.exitCode();
         };
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", true).size(), 1, 30000);
         control("--skip");
         QCOMPARE(exitCode, 0);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 0, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", true).size(), 0, 30000);
         control("--pause");
         QCOMPARE(exitCode, 0);
 
@@ -356,10 +352,10 @@ private slots:
 
         control("--resume");
         QCOMPARE(exitCode, 0);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", true).size(), 1, 30000);
         // Only this break's window: the break screens of earlier breaks went with their processes.
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", false).size(), 1, 30000);
-        QTRY_COMPARE_WITH_TIMEOUT(geometryOf(windowsNamed("EXTRA1", true).first()),
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", false).size(), 1, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(geometryOf(breakWindowsOf("EXTRA1", true).first()),
                                   QRect(1280, 0, 1920, 1080), 3000);
         QCOMPARE(breakScreenFaultsAfterWaiting(60000), QString());
     }
@@ -368,12 +364,15 @@ private slots:
     {
         Program program;
         start(program, "work_time=0.05\nbreak_time=6\n");
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 30000);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 10000);
-        const QString left = windowsNamed("DUMMY0", true).first();
-        const QString right = windowsNamed("EXTRA1", true).first();
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("DUMMY0", true).size(), 1, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", true).size(), 1, 10000);
+        const QString left = breakWindowsOf("DUMMY0", true).first();
+        const QString right = breakWindowsOf("EXTRA1", true).first();
         QCOMPARE(geometryOf(left), QRect(0, 0, 1280, 800));
         QCOMPARE(geometryOf(right), QRect(1280, 0, 1024, 768));
+        // Named after the break, on each monitor, as window lists and screen readers show it.
+        QCOMPARE(run("xdotool", {"getwindowname", left}), QString("Short break"));
+        QCOMPARE(run("xdotool", {"getwindowname", right}), QString("Short break"));
 
         // On every virtual desktop, above other windows, out of the taskbar.
         const QString desktop = run("xprop", {"-id", left, "_NET_WM_DESKTOP"});
@@ -388,11 +387,11 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(run("xdotool", {"getwindowfocus"}), left, 3000);
 
         // The break ends by itself: both windows close, one work period follows.
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 30000);
-        QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("DUMMY0", true).size(), 0, 30000);
+        QCOMPARE(breakWindowsOf("EXTRA1", true).size(), 0);
         // The next break's process makes its windows hidden, ahead of the break. Under the
         // sanitizers the last process's leak check at its exit and the next one's start take long.
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", false).size(), 1, 60000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("DUMMY0", false).size(), 1, 60000);
         QTRY_VERIFY(program.messages().count("ticktack timer start 3.0") >= 2);
     }
 
@@ -402,19 +401,19 @@ private slots:
     {
         Program program;
         start(program, "work_time=0.05\nbreak_time=2\n");
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 30000);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 30000);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 30000);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("DUMMY0", true).size(), 1, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("DUMMY0", true).size(), 0, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("DUMMY0", true).size(), 1, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", true).size(), 1, 10000);
         QCOMPARE(program.messages().count("ticktack timer start 2.0"), 2);
-        const QString left = windowsNamed("DUMMY0", true).first();
-        const QString right = windowsNamed("EXTRA1", true).first();
+        const QString left = breakWindowsOf("DUMMY0", true).first();
+        const QString right = breakWindowsOf("EXTRA1", true).first();
         QTRY_COMPARE_WITH_TIMEOUT(geometryOf(left), QRect(0, 0, 1280, 800), 2000);
         QTRY_COMPARE_WITH_TIMEOUT(geometryOf(right), QRect(1280, 0, 1024, 768), 2000);
         const QString state = run("xprop", {"-id", right, "_NET_WM_STATE"});
         QVERIFY2(state.contains("_NET_WM_STATE_ABOVE") && state.contains("_NET_WM_STATE_FULLSCREEN"),
                  qPrintable(state));
-        QCOMPARE(windowsNamed("DUMMY0", false).size(), 1);
+        QCOMPARE(breakWindowsOf("DUMMY0", false).size(), 1);
     }
 
     void underAWindowManagerBreakWindowsAreFullScreenOnEveryDesktopAndFocused()
@@ -431,10 +430,10 @@ private slots:
         {
             Program program;
             start(program, "work_time=0.05\nbreak_time=300\n");
-            QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 30000);
-            QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 2000);
-            const QString left = windowsNamed("DUMMY0", true).first();
-            const QString right = windowsNamed("EXTRA1", true).first();
+            QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", true).size(), 1, 30000);
+            QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("DUMMY0", true).size(), 1, 2000);
+            const QString left = breakWindowsOf("DUMMY0", true).first();
+            const QString right = breakWindowsOf("EXTRA1", true).first();
             QTRY_COMPARE_WITH_TIMEOUT(geometryOf(left), QRect(0, 0, 1280, 800), 2000);
             QTRY_COMPARE_WITH_TIMEOUT(geometryOf(right), QRect(1280, 0, 1024, 768), 2000);
             QVERIFY(run("xprop", {"-id", right, "_NET_WM_STATE"}).contains("_NET_WM_STATE_FULLSCREEN"));
@@ -443,8 +442,8 @@ private slots:
             // Another virtual desktop: the break is there too.
             run("xdotool", {"set_desktop", "2"});
             QTRY_COMPARE_WITH_TIMEOUT(run("xdotool", {"get_desktop"}), QString("2"), 2000);
-            QCOMPARE(windowsNamed("DUMMY0", true).size(), 1);
-            QCOMPARE(windowsNamed("EXTRA1", true).size(), 1);
+            QCOMPARE(breakWindowsOf("DUMMY0", true).size(), 1);
+            QCOMPARE(breakWindowsOf("EXTRA1", true).size(), 1);
             run("xdotool", {"set_desktop", "0"});
         }
         windowManager.terminate();
@@ -461,10 +460,10 @@ private slots:
         {
             Program program;
             start(program, "work_time=0.05\nbreak_time=300\n");
-            QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 30000);
-            QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 1, 2000);
-            const QString left = windowsNamed("DUMMY0", true).first();
-            const QString right = windowsNamed("EXTRA1", true).first();
+            QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", true).size(), 1, 30000);
+            QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("DUMMY0", true).size(), 1, 2000);
+            const QString left = breakWindowsOf("DUMMY0", true).first();
+            const QString right = breakWindowsOf("EXTRA1", true).first();
             const QRect leftFrame(0, 0, 1280, 800);
             const QRect rightFrame(1280, 0, 1024, 768);
             // On screen, full screen, on its own monitor and on every desktop; what is not, in words.
@@ -474,41 +473,50 @@ private slots:
                 if (!TestSupport::searchWindows({"--onlyvisible", "--name", "."}, onDisplay()).contains(id))
                     faults << "not visible";
                 if (geometryOf(id) != frame)
-                    faults << "at " + QString::number(geometryOf(id).x()) + "," + QString::number(geometryOf(id).y());
+                    faults << "at " + QString::number(geometryOf(id).x()) + "," +
+                                  QString::number(geometryOf(id).y());
                 if (!state.contains("_NET_WM_STATE_FULLSCREEN") || state.contains("_NET_WM_STATE_HIDDEN") ||
                     !state.contains("= 4294967295"))
                     faults << state;
                 return faults.join("; ");
             };
-            const auto inPlace = [&](const QString& id, const QRect& frame) { return misplaced(id, frame).isEmpty(); };
-            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(left, leftFrame) && inPlace(right, rightFrame),
-                                      qPrintable(misplaced(left, leftFrame) + " / " + misplaced(right, rightFrame)), 3000);
+            const auto inPlace = [&](const QString& id, const QRect& frame) {
+                return misplaced(id, frame).isEmpty();
+            };
+            QTRY_VERIFY2_WITH_TIMEOUT(
+                inPlace(left, leftFrame) && inPlace(right, rightFrame),
+                qPrintable(misplaced(left, leftFrame) + " / " + misplaced(right, rightFrame)), 3000);
             QTRY_COMPARE_WITH_TIMEOUT(run("xdotool", {"getwindowfocus"}), left, 3000);
             const auto putBack = [&](const QString& monitor, const QString& why) {
-                const QStringList said = program.messages().filter("the break window " + monitor + " put back: ");
+                const QStringList said =
+                    program.messages().filter("the break window " + monitor + " put back: ");
                 return !said.filter(why).isEmpty();
             };
 
             run("wmctrl", {"-i", "-c", left});
-            QTRY_VERIFY_WITH_TIMEOUT(
-                program.messages().contains("the break window DUMMY0 stays: closing it does not end the break"),
-                5000);
+            QTRY_VERIFY_WITH_TIMEOUT(program.messages().contains(
+                                         "the break window DUMMY0 stays: closing it does not end the break"),
+                                     5000);
             QVERIFY(inPlace(left, leftFrame));
 
             run("xdotool", {"windowminimize", left});
-            QTRY_VERIFY2_WITH_TIMEOUT(putBack("DUMMY0", "minimised"), qPrintable(program.messages().filter("break").join('\n')), 5000);
+            QTRY_VERIFY2_WITH_TIMEOUT(putBack("DUMMY0", "minimised"),
+                                      qPrintable(program.messages().filter("break").join('\n')), 5000);
             QTRY_VERIFY2_WITH_TIMEOUT(inPlace(left, leftFrame), qPrintable(misplaced(left, leftFrame)), 2000);
 
             run("wmctrl", {"-i", "-r", right, "-b", "remove,fullscreen"});
             QTRY_VERIFY_WITH_TIMEOUT(putBack("EXTRA1", "out of full screen"), 5000);
-            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(right, rightFrame), qPrintable(misplaced(right, rightFrame)), 2000);
+            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(right, rightFrame), qPrintable(misplaced(right, rightFrame)),
+                                      2000);
 
             run("wmctrl", {"-i", "-r", right, "-t", "2"});
             QTRY_VERIFY_WITH_TIMEOUT(putBack("EXTRA1", "unmapped"), 5000);
-            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(right, rightFrame), qPrintable(misplaced(right, rightFrame)), 2000);
+            QTRY_VERIFY2_WITH_TIMEOUT(inPlace(right, rightFrame), qPrintable(misplaced(right, rightFrame)),
+                                      2000);
 
             run("xdotool", {"windowunmap", left});
-            QTRY_VERIFY_WITH_TIMEOUT(program.messages().filter("the break window DUMMY0 put back: ").size() >= 2, 5000);
+            QTRY_VERIFY_WITH_TIMEOUT(
+                program.messages().filter("the break window DUMMY0 put back: ").size() >= 2, 5000);
             QTRY_VERIFY2_WITH_TIMEOUT(inPlace(left, leftFrame), qPrintable(misplaced(left, leftFrame)), 2000);
 
             run("xdotool", {"windowmove", left, "1400", "0"});
@@ -543,11 +551,11 @@ private slots:
     {
         Program program;
         start(program, "work_time=0.05\nbreak_time=4\n");
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", true).size(), 1, 30000);
         run("xrandr", {"--delmonitor", "EXTRA1"});
         QTRY_VERIFY_WITH_TIMEOUT(program.messages().count("ticktack timer start 3.0") >= 2, 10000);
-        QCOMPARE(windowsNamed("DUMMY0", true).size(), 0);
-        QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
+        QCOMPARE(breakWindowsOf("DUMMY0", true).size(), 0);
+        QCOMPARE(breakWindowsOf("EXTRA1", true).size(), 0);
         run("xrandr", {"--setmonitor", "EXTRA1", "1024/271x768/203+1280+0", "none"});
     }
 
@@ -576,10 +584,10 @@ private slots:
     {
         Program program;
         start(program, "work_time=0.05\nbreak_time=300\n");
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", true).size(), 1, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", true).size(), 1, 30000);
         QTest::qWait(1500); // let the fade finish
         // Skip sits under the countdown, centred on the primary monitor.
-        const QString left = windowsNamed("DUMMY0", true).first();
+        const QString left = breakWindowsOf("DUMMY0", true).first();
         // Kept in the build folder for a person to look at.
         const QString shot = QDir::current().filePath("breakscreen-two-monitors.png");
         run("import", {"-window", "root", shot});
@@ -589,8 +597,8 @@ private slots:
         run("xdotool", {"mousemove", QString::number(skip.x()), QString::number(skip.y()), "click", "1"},
             &exitCode);
         QCOMPARE(exitCode, 0);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 3000);
-        QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("DUMMY0", true).size(), 0, 3000);
+        QCOMPARE(breakWindowsOf("EXTRA1", true).size(), 0);
         // The program's lines reach us through a pipe, a little after it wrote them.
         QTRY_COMPARE_WITH_TIMEOUT(program.messages().last(), "ticktack timer start 3.0", 10000);
         QCOMPARE(program.messages().count("skip break view"), 1);
@@ -601,16 +609,16 @@ private slots:
         run("xrandr", {"--delmonitor", "EXTRA1"});
         Program program;
         start(program, "work_time=0.05\nbreak_time=3\n");
-        QTRY_VERIFY_WITH_TIMEOUT(!windowsNamed("DUMMY0", true).isEmpty(), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(!breakWindowsOf("DUMMY0", true).isEmpty(), 10000);
         QVERIFY2(
-            windowsNamed("DUMMY0", true).size() == 1,
+            breakWindowsOf("DUMMY0", true).size() == 1,
             qPrintable(run("xdotool", {"search", "--onlyvisible", "--name", ".", "getwindowname", "%@"}) +
                        "\n" + program.logText()));
-        QCOMPARE(windowsNamed("EXTRA1", false).size(), 0);
+        QCOMPARE(breakWindowsOf("EXTRA1", false).size(), 0);
         run("xrandr", {"--setmonitor", "EXTRA1", "1024/271x768/203+1280+0", "none"});
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("DUMMY0", true).size(), 0, 30000);
-        QTRY_COMPARE_WITH_TIMEOUT(windowsNamed("EXTRA1", false).size(), 1, 60000);
-        QCOMPARE(windowsNamed("EXTRA1", true).size(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("DUMMY0", true).size(), 0, 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(breakWindowsOf("EXTRA1", false).size(), 1, 60000);
+        QCOMPARE(breakWindowsOf("EXTRA1", true).size(), 0);
     }
 };
 

@@ -57,7 +57,7 @@ class MomentTest : public QObject {
     static QQuickWindow* primaryBreakWindow()
     {
         for (QWindow* window : QGuiApplication::allWindows()) {
-            if (window->objectName() == "breakWindow" && window->title() == "DP-1")
+            if (window->objectName() == "breakWindow" && window->property("screenKey") == "DP-1")
                 return qobject_cast<QQuickWindow*>(window);
         }
         return nullptr;

@@ -25,10 +25,12 @@ std::optional<int> BreakScreenChild::start()
     connect(&m_channel, &ViewChannel::received, this, &BreakScreenChild::apply);
     // Lulltide ended or is done with the break.
     connect(&m_channel, &ViewChannel::closed, this, &BreakScreenChild::leave);
-    connect(&m_state, &RemoteBreakState::skipRequested, this,
-            [this] { m_channel.send({{QStringLiteral("action"), QStringLiteral("skip")}}); });
-    connect(&m_state, &RemoteBreakState::postponeRequested, this,
-            [this] { m_channel.send({{QStringLiteral("action"), QStringLiteral("postpone")}}); });
+    connect(&m_state, &RemoteBreakState::skipRequested, this, [this] {
+        m_channel.send({{QStringLiteral("action"), QStringLiteral("skip")}});
+    });
+    connect(&m_state, &RemoteBreakState::postponeRequested, this, [this] {
+        m_channel.send({{QStringLiteral("action"), QStringLiteral("postpone")}});
+    });
 
     WindowController::setViewState(&m_state, &m_state);
     if (!WindowController::prepareBreak())

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ViewChannel.h"
 #include "RemoteBreakState.h"
+#include "ViewChannel.h"
 
 #include <QObject>
 #include <optional>

@@ -36,7 +36,8 @@ BreakScreenProcess::BreakScreenProcess(QString program, QObject* parent)
         if (timesUp && m_shown)
             AppState::promptState().skip();
     });
-    connect(&AppState::workState(), &TicktackState::timeStringChanged, this, &BreakScreenProcess::followCountdown);
+    connect(&AppState::workState(), &TicktackState::timeStringChanged, this,
+            &BreakScreenProcess::followCountdown);
     // Paused or stopped, no break is near.
     connect(&AppState::events(), &CycleEvents::changed, this, [this] {
         if (!AppState::working() && !m_shown)
@@ -180,7 +181,8 @@ void BreakScreenProcess::giveUp(const QString& why)
 {
     if (std::exchange(m_broken, true))
         return;
-    logger().error(QStringLiteral("the break screen cannot start: ") + why + QStringLiteral(": breaks go on without it"));
+    logger().error(QStringLiteral("the break screen cannot start: ") + why +
+                   QStringLiteral(": breaks go on without it"));
     // Nobody sees the break already on: it ends, and the next work period starts.
     if (m_shown)
         AppState::promptState().skip();

@@ -52,6 +52,14 @@ Rectangle {
     Accessible.description: opening
     Accessible.focusable: true
 
+    // The window is named after the break too: a reader says its name as the break opens.
+    Binding {
+        target: root.Window.window
+        when: root.Window.window !== null
+        property: "title"
+        value: root.breakTitle
+    }
+
     onMilestoneChanged: {
         if (milestone !== "")
             notification.tell(milestone)

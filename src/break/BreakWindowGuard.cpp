@@ -72,7 +72,7 @@ bool BreakWindowGuard::eventFilter(QObject* watched, QEvent* event)
         // Alt+F4, a window manager's close button, a compositor's kill binding: the break ends
         // by Skip, by its countdown or by the program, not by its window going.
         event->ignore();
-        logger().info(QStringLiteral("the break window ") + window->title() +
+        logger().info(QStringLiteral("the break window ") + m_host.nameOf(window) +
                       QStringLiteral(" stays: closing it does not end the break"));
         return true;
     case QEvent::WindowStateChange:
@@ -144,7 +144,7 @@ void BreakWindowGuard::putBackPending()
             continue; // back already: the manager undid what it did
         m_returning.insert(window, QDeadlineTimer(1000));
         m_quietUntil.setRemainingTime(1000);
-        logger().info(QStringLiteral("the break window ") + window->title() +
+        logger().info(QStringLiteral("the break window ") + m_host.nameOf(window) +
                       QStringLiteral(" put back: ") + entry.value());
         m_host.putBack(window);
     }

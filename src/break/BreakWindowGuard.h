@@ -22,6 +22,8 @@ public:
     struct Host {
         // Whether a break is on screen now.
         std::function<bool()> breakShown;
+        // The window's name in the log: its screen's.
+        std::function<QString(const QQuickWindow*)> nameOf;
         // Where the window belongs: the frame of its own screen.
         std::function<QRect(const QQuickWindow*)> frameOf;
         // Shows the window again on its own screen, full screen and on top.

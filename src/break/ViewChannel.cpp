@@ -33,7 +33,7 @@ bool isLocalStreamSocket(int descriptor)
 // started this one. Any other socket is one this process merely inherited.
 bool madeByParent(int descriptor)
 {
-    ucred peer {};
+    ucred peer{};
     socklen_t length = sizeof peer;
     return getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 && peer.pid == getppid();
 }
@@ -85,7 +85,8 @@ void ViewChannel::send(const QJsonObject& message)
 void ViewChannel::flush()
 {
     while (isOpen() && !m_output.isEmpty()) {
-        const ssize_t written = ::send(m_descriptor, m_output.constData(), size_t(m_output.size()), MSG_NOSIGNAL);
+        const ssize_t written =
+            ::send(m_descriptor, m_output.constData(), size_t(m_output.size()), MSG_NOSIGNAL);
         if (written > 0) {
             m_output.remove(0, written);
         } else if (written < 0 && errno == EINTR) {

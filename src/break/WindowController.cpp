@@ -25,19 +25,27 @@ namespace WindowController {
 namespace {
 
 const char breakWindowName[] = "breakWindow";
+// The property that tells which screen a break window belongs to.
+const char screenKeyName[] = "screenKey";
 bool breakShown = false;
 // What the views show; the cycle's own objects unless another is set.
 QObject* viewPrompt = nullptr;
 QObject* viewCountdown = nullptr;
 const char fadeName[] = "fade";
 
+QString screenKeyOf(const QWindow* window)
+{
+    return window->property(screenKeyName).toString();
+}
+
 // Break windows are closed, not destroyed: the window list is their registry, so the next
-// break on the same screen finds and reuses its window by title.
-QQuickWindow* findWindow(const QString& title)
+// break on the same screen finds and reuses its window by its screen's key.
+QQuickWindow* findWindow(const QString& key)
 {
     for (QWindow* window : QGuiApplication::allWindows()) {
         auto* quickWindow = qobject_cast<QQuickWindow*>(window);
-        if (quickWindow && window->objectName() == QLatin1String(breakWindowName) && window->title() == title)
+        if (quickWindow && window->objectName() == QLatin1String(breakWindowName) &&
+            screenKeyOf(window) == key)
             return quickWindow;
     }
     return nullptr;
@@ -103,7 +111,9 @@ QQuickItem* makeBreakView()
     return item;
 }
 
-QQuickWindow* newBreakWindow(const QRect& frame, const QString& title, QScreen* screen)
+// The window's title is the break's own ("Short break"), set by its view: it is what a screen
+// reader says as the break opens.
+QQuickWindow* newBreakWindow(const QRect& frame, const QString& key, QScreen* screen)
 {
     QmlEngine::chooseRenderer();
     auto* window = new QQuickWindow;
@@ -117,7 +127,9 @@ QQuickWindow* newBreakWindow(const QRect& frame, const QString& title, QScreen* 
         window->setFormat(format);
         window->setColor(Qt::transparent);
     }
-    window->setTitle(title);
+    window->setProperty(screenKeyName, key);
+    // Tools and window-manager rules tell the screens' windows apart by their role.
+    X11WindowHints::keepRole(window, QStringLiteral("break-") + key);
     window->setScreen(screen);
     window->setGeometry(frame);
     return window;
@@ -133,10 +145,10 @@ bool isFractional(qreal ratio)
     return !qFuzzyCompare(ratio, qreal(qRound(ratio)));
 }
 
-// The title of the screen's break window: its display identifier, and from the second screen
+// The key of the screen's break window: its display identifier, and from the second screen
 // of one identifier on (screens without a name, or two of one name, which some Wayland
 // compositors give) its place among them, so that every screen has a window of its own.
-QString windowTitle(const QScreen* screen)
+QString screenKey(const QScreen* screen)
 {
     const QString displayId = displayIdentifier(screen);
     int place = 1;
@@ -160,7 +172,7 @@ QRect frameFor(const QScreen* screen)
     return frame;
 }
 
-// A window found again by its title may stem from before the screen changed (another size,
+// A window found again by its key may stem from before the screen changed (another size,
 // unplugged and plugged back): it follows the screen as it is now.
 void fitToScreen(QQuickWindow* window, QScreen* screen)
 {
@@ -175,15 +187,15 @@ void fitToScreen(QQuickWindow* window, QScreen* screen)
 // a window without its view would cover the screen with no way out.
 QQuickWindow* window(QScreen* screen)
 {
-    const QString title = windowTitle(screen);
-    QQuickWindow* existing = findWindow(title);
+    const QString key = screenKey(screen);
+    QQuickWindow* existing = findWindow(key);
     if (existing && hasView(existing))
         return existing;
     // The view first: making the engine chooses the renderer the window will use.
     QQuickItem* item = makeBreakView();
     if (!item)
         return nullptr;
-    QQuickWindow* window = existing ? existing : newBreakWindow(frameFor(screen), title, screen);
+    QQuickWindow* window = existing ? existing : newBreakWindow(frameFor(screen), key, screen);
     item->setParent(window);
     item->setParentItem(window->contentItem());
     return window;
@@ -191,7 +203,8 @@ QQuickWindow* window(QScreen* screen)
 
 // Hands back the window's full-screen buffer once the break is over: 8 MB per 1080p screen,
 // which Qt keeps for the window's lifetime. The window and its view stay, hidden, so the next break finds
-// them by title (making the view anew at every break cost more time than the memory it held was worth).
+// them by their screen's key (making the view anew at every break cost more time than the memory it held was
+// worth).
 void release(QQuickWindow* window)
 {
     if (!hasView(window))
@@ -216,12 +229,12 @@ void release(QQuickWindow* window)
     window->setGeometry(frame);
 }
 
-// The screen a break window belongs to: the one whose title it carries; null when that screen
+// The screen a break window belongs to: the one whose key it carries; null when that screen
 // went away.
 QScreen* ownScreen(const QQuickWindow* window)
 {
     for (QScreen* screen : QGuiApplication::screens()) {
-        if (windowTitle(screen) == window->title())
+        if (screenKey(screen) == screenKeyOf(window))
             return screen;
     }
     return nullptr;
@@ -247,6 +260,7 @@ BreakWindowGuard& guard()
     static auto* guard = new BreakWindowGuard(
         {
             .breakShown = [] { return breakShown; },
+            .nameOf = [](const QQuickWindow* window) { return screenKeyOf(window); },
             .frameOf =
                 [](const QQuickWindow* window) {
                     const QScreen* screen = ownScreen(window);
@@ -336,7 +350,8 @@ bool showBreak()
     guard().breakStarts();
     const bool still = ReducedMotion::requested();
     if (still)
-        logger().info(QStringLiteral("the break appears without its fade: the desktop asks for less animation"));
+        logger().info(
+            QStringLiteral("the break appears without its fade: the desktop asks for less animation"));
     for (QQuickWindow* w : windows) {
         guard().watch(w);
         stopFade(w);
@@ -346,7 +361,7 @@ bool showBreak()
             fade(w, 1.0);
     }
     // The primary screen's break window takes the keyboard focus.
-    if (QQuickWindow* primary = findWindow(windowTitle(QGuiApplication::primaryScreen()))) {
+    if (QQuickWindow* primary = findWindow(screenKey(QGuiApplication::primaryScreen()))) {
         primary->raise();
         primary->requestActivate();
     }
@@ -359,9 +374,9 @@ void closeBreak()
     // Every screen has its break window from here on, shown or not (no view is made for
     // it: that waits for a break to show).
     for (QScreen* screen : QGuiApplication::screens()) {
-        const QString title = windowTitle(screen);
-        if (!findWindow(title))
-            newBreakWindow(frameFor(screen), title, screen)->create();
+        const QString key = screenKey(screen);
+        if (!findWindow(key))
+            newBreakWindow(frameFor(screen), key, screen)->create();
     }
     // Every break window goes, the one of a screen unplugged during the break too (Qt moved it
     // to another screen, where it must not outlast the break). Closed at once: the break is

@@ -6,7 +6,7 @@ class QScreen;
 class QQuickWindow;
 class QString;
 
-// Opens and closes the break windows: one per screen, found again by title.
+// Opens and closes the break windows: one per screen, found again by the screen's key.
 namespace WindowController {
 
 // Makes these windows the cycle's break screen (AppState::breakScreen()).
@@ -33,8 +33,9 @@ void closeBreak();
 // Whether the break windows are up (from showBreak() until closeBreak()).
 bool isBreakShown();
 
-// The screen's identifier, which is also the title of its break window: its name, "0" when
-// empty. (When two screens share one, the title of the second adds its place: "0 (2)".)
+// The screen's identifier, which is also the key of its break window (and on X11 its role,
+// "break-" and the key): its name, "0" when empty. (When two screens share one, the key of the
+// second adds its place: "0 (2)".)
 QString displayIdentifier(const QScreen* screen);
 
 } // namespace WindowController

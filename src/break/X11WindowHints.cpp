@@ -2,6 +2,7 @@
 #include "X11WindowHints.h"
 
 #include <QGuiApplication>
+#include <QPlatformSurfaceEvent>
 #include <QWindow>
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
@@ -15,7 +16,50 @@ Display* x11Display()
     return x11 ? x11->display() : nullptr;
 }
 
+void setRole(QWindow* window, const QByteArray& role)
+{
+    Display* display = x11Display();
+    if (!display)
+        return;
+    XChangeProperty(display, static_cast<::Window>(window->winId()),
+                    XInternAtom(display, "WM_WINDOW_ROLE", False), XA_STRING, 8, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(role.constData()), int(role.size()));
+    XFlush(display);
+}
+
+// Sets the role again whenever Qt makes the window's native window anew.
+class RoleKeeper final : public QObject {
+public:
+    RoleKeeper(QWindow* window, QByteArray role) : QObject(window), m_role(std::move(role))
+    {
+        window->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::PlatformSurface &&
+            static_cast<QPlatformSurfaceEvent*>(event)->surfaceEventType() ==
+                QPlatformSurfaceEvent::SurfaceCreated)
+            setRole(static_cast<QWindow*>(watched), m_role);
+        return false;
+    }
+
+private:
+    QByteArray m_role;
+};
+
 } // namespace
+
+void keepRole(QWindow* window, const QString& role)
+{
+    if (!x11Display())
+        return;
+    // Latin-1, as the property's type says.
+    new RoleKeeper(window, role.toLatin1()); // owned by the window
+    if (window->handle())
+        setRole(window, role.toLatin1());
+}
 
 void showOnAllDesktops(QWindow* window)
 {
@@ -50,7 +94,7 @@ void returnToAllDesktops(QWindow* window)
     message.xclient.message_type = XInternAtom(display, "_NET_WM_DESKTOP", False);
     message.xclient.format = 32;
     message.xclient.data.l[0] = long(0xFFFFFFFFul); // every desktop
-    message.xclient.data.l[1] = 2;                    // as a pager would ask: managers comply
+    message.xclient.data.l[1] = 2;                  // as a pager would ask: managers comply
     XSendEvent(display, DefaultRootWindow(display), False, SubstructureRedirectMask | SubstructureNotifyMask,
                &message);
     XFlush(display);
@@ -68,8 +112,8 @@ bool isWithdrawn(QWindow* window)
     unsigned long items = 0;
     unsigned long after = 0;
     unsigned char* data = nullptr;
-    const int status = XGetWindowProperty(display, static_cast<::Window>(window->winId()), wmState, 0, 2, False,
-                                          wmState, &type, &format, &items, &after, &data);
+    const int status = XGetWindowProperty(display, static_cast<::Window>(window->winId()), wmState, 0, 2,
+                                          False, wmState, &type, &format, &items, &after, &data);
     if (data)
         XFree(data);
     return status == Success && type == None;

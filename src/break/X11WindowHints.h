@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+class QString;
 class QWindow;
 
 // Window manager hints that Qt has no API for. Does nothing outside X11.
@@ -17,5 +18,8 @@ void returnToAllDesktops(QWindow* window);
 // Whether the window manager has let go of the window (someone unmapped it): only a fresh map
 // brings it back then.
 bool isWithdrawn(QWindow* window);
+
+// Gives the window the role (WM_WINDOW_ROLE) each time its native window is made.
+void keepRole(QWindow* window, const QString& role);
 
 } // namespace X11WindowHints

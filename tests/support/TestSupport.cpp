@@ -245,8 +245,8 @@ QStringList visibleWindowsOf(qint64 pid, const QProcessEnvironment& environment)
 {
     QStringList windows;
     for (qint64 member : processTree(pid))
-        windows += searchWindows({QStringLiteral("--onlyvisible"), QStringLiteral("--pid"), QString::number(member)},
-                                 environment);
+        windows += searchWindows(
+            {QStringLiteral("--onlyvisible"), QStringLiteral("--pid"), QString::number(member)}, environment);
     return windows;
 }
 
@@ -280,6 +280,68 @@ QStringList searchWindows(const QStringList& arguments, const QProcessEnvironmen
             continue;
         return QString::fromUtf8(search.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
     }
+}
+
+namespace {
+
+// Windows come and go while the tree is walked: a window gone in between is no error here.
+int ignoreXErrors(Display*, XErrorEvent*)
+{
+    return 0;
+}
+
+QString roleOf(Display* display, ::Window window)
+{
+    Atom type = None;
+    int format = 0;
+    unsigned long items = 0;
+    unsigned long after = 0;
+    unsigned char* data = nullptr;
+    const Atom role = XInternAtom(display, "WM_WINDOW_ROLE", False);
+    if (XGetWindowProperty(display, window, role, 0, 256, False, AnyPropertyType, &type, &format, &items,
+                           &after, &data) != Success ||
+        !data)
+        return {};
+    QString text = QString::fromLatin1(reinterpret_cast<const char*>(data), qsizetype(items));
+    XFree(data);
+    return text;
+}
+
+void collectWithRole(Display* display, ::Window window, const QString& role, bool onlyVisible,
+                     QStringList& found)
+{
+    if (roleOf(display, window) == role) {
+        XWindowAttributes attributes{};
+        if (!onlyVisible ||
+            (XGetWindowAttributes(display, window, &attributes) && attributes.map_state == IsViewable))
+            found << QString::number(window);
+    }
+    ::Window root = 0;
+    ::Window parent = 0;
+    ::Window* children = nullptr;
+    unsigned int count = 0;
+    if (!XQueryTree(display, window, &root, &parent, &children, &count))
+        return;
+    for (unsigned int i = 0; i < count; ++i)
+        collectWithRole(display, children[i], role, onlyVisible, found);
+    if (children)
+        XFree(children);
+}
+
+} // namespace
+
+QStringList windowsWithRole(const QString& role, bool onlyVisible, const QProcessEnvironment& environment)
+{
+    Display* display = XOpenDisplay(environment.value(QStringLiteral("DISPLAY")).toLocal8Bit().constData());
+    if (!display)
+        return {};
+    const auto previous = XSetErrorHandler(ignoreXErrors);
+    QStringList found;
+    collectWithRole(display, DefaultRootWindow(display), role, onlyVisible, found);
+    XSync(display, False);
+    XSetErrorHandler(previous);
+    XCloseDisplay(display);
+    return found;
 }
 
 QProcessEnvironment environmentWithHome(const QString& root)
@@ -334,7 +396,8 @@ const void* currentXlibErrorHandler()
 
 AccessibilityBus::AccessibilityBus()
 {
-    launcher.start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"), {QStringLiteral("--launch-immediately")});
+    launcher.start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"),
+                   {QStringLiteral("--launch-immediately")});
 }
 
 AccessibilityBus::~AccessibilityBus()
@@ -345,20 +408,22 @@ AccessibilityBus::~AccessibilityBus()
 
 bool AccessibilityBus::started()
 {
-    return launcher.waitForStarted() && QTest::qWaitFor(
-                                            [] {
-                                                return QDBusConnection::sessionBus().interface()->isServiceRegistered(
-                                                    QStringLiteral("org.a11y.Bus"));
-                                            },
-                                            10000);
+    return launcher.waitForStarted() &&
+           QTest::qWaitFor(
+               [] {
+                   return QDBusConnection::sessionBus().interface()->isServiceRegistered(
+                       QStringLiteral("org.a11y.Bus"));
+               },
+               10000);
 }
 
 QString atspi(const QStringList& arguments)
 {
     QProcess walk;
-    walk.start(QStringLiteral("/usr/bin/python3"),
-               QStringList{QStringLiteral(TESTS_SOURCE_DIR "/support/atspi-tree.py"), QStringLiteral("Lulltide")} +
-                   arguments);
+    walk.start(
+        QStringLiteral("/usr/bin/python3"),
+        QStringList{QStringLiteral(TESTS_SOURCE_DIR "/support/atspi-tree.py"), QStringLiteral("Lulltide")} +
+            arguments);
     walk.waitForFinished(30000);
     return QString::fromUtf8(walk.readAllStandardOutput());
 }

@@ -70,13 +70,21 @@ QQuickItem* findItem(QQuickItem* parent, const QString& objectName);
 QStringList searchWindows(const QStringList& arguments,
                           const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
 
+// The windows whose role (WM_WINDOW_ROLE) is `role` on the X server of `environment`; with
+// `onlyVisible`, only those viewable (mapped, as xdotool's --onlyvisible). Ids in decimal, as
+// xdotool prints them.
+QStringList
+windowsWithRole(const QString& role, bool onlyVisible,
+                const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
+
 // The process and all its descendants, as /proc lists them now.
 QList<qint64> processTree(qint64 pid);
 
 // The visible windows of a program and of the processes it started (its break screen), as
 // the X server lists them.
-QStringList visibleWindowsOf(qint64 pid,
-                             const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
+QStringList
+visibleWindowsOf(qint64 pid,
+                 const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
 
 // Asks the window to close as a window manager's close button does (WM_DELETE_WINDOW), on the
 // display of this process's environment. False when the display cannot be opened.
