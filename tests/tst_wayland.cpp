@@ -44,7 +44,8 @@ int childMain(const QByteArray& mode)
     if (mode == "idle-never") {
         // A moment well past the idle timeout, on the same clock as the timeout itself.
         bool passed = false;
-        const auto later = WorkItem::schedule(std::chrono::milliseconds(3 * 600), [&passed] { passed = true; });
+        const auto later =
+            WorkItem::schedule(std::chrono::milliseconds(3 * 600), [&passed] { passed = true; });
         for (int i = 0; i < 100 && !passed; ++i)
             QTest::qWait(100);
         if (!passed)
@@ -84,7 +85,7 @@ class WaylandTest : public QObject {
     QProcess kwin;
     QTemporaryDir swayRuntime; // sway's own: it runs as another user when the tests run as root
     QProcess sway;
-    QString swayDisplay;       // the absolute path of sway's socket
+    QString swayDisplay; // the absolute path of sway's socket
     QString display;
     const QString socket = "wayland-lulltide-test";
     const QString kwinSocket = "wayland-lulltide-kwin";
@@ -212,17 +213,25 @@ class WaylandTest : public QObject {
         const QString config = swayRuntime.filePath("config");
         QFile file(config);
         QVERIFY(file.open(QIODevice::WriteOnly));
+        // Workspace keys as sway's own configuration has them (sway names its first workspace
+        // after the first of them), and a witness key that acts even while a client inhibits the
+        // bindings: once the witness has acted, so would have a key pressed before it.
         file.write("output HEADLESS-1 mode 1280x800 position 0 0\n"
-                   "output HEADLESS-2 mode 1280x800 position 1280 0\n");
+                   "output HEADLESS-2 mode 1280x800 position 1280 0\n"
+                   "bindsym Mod4+1 workspace number 1\n"
+                   "bindsym Mod4+9 workspace number 9\n"
+                   "bindsym --inhibited Mod4+F12 exec touch " +
+                   swayRuntime.filePath("run/witness").toUtf8() + "\n");
         file.close();
         const QString socketFolder = swayRuntime.filePath("run");
         QVERIFY(QDir().mkpath(socketFolder));
         QFile::setPermissions(socketFolder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         QFile::setPermissions(swayRuntime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner |
-                                                       QFile::ReadOther | QFile::ExeOther);
+                                                      QFile::ReadOther | QFile::ExeOther);
         if (asRoot)
-            QCOMPARE(run("chown", {"65534:65534", socketFolder, config}, QProcessEnvironment::systemEnvironment()),
-                     QString());
+            QCOMPARE(
+                run("chown", {"65534:65534", socketFolder, config}, QProcessEnvironment::systemEnvironment()),
+                QString());
         QProcessEnvironment environment;
         environment.insert("PATH", qEnvironmentVariable("PATH"));
         environment.insert("HOME", swayRuntime.path());
@@ -236,7 +245,8 @@ class WaylandTest : public QObject {
         sway.setStandardErrorFile(scratch.filePath("sway.log"));
         QStringList arguments = {"-c", config};
         if (asRoot) {
-            arguments = QStringList({"--reuid=65534", "--regid=65534", "--clear-groups", "--", "sway"}) + arguments;
+            arguments =
+                QStringList({"--reuid=65534", "--regid=65534", "--clear-groups", "--", "sway"}) + arguments;
             sway.start("setpriv", arguments);
         } else {
             sway.start("sway", arguments);
@@ -284,6 +294,31 @@ class WaylandTest : public QObject {
             return QJsonObject();
         };
         return find(QJsonDocument::fromJson(swaymsg({"-t", "get_tree"}).toUtf8()).object());
+    }
+
+    QString focusedSwayWorkspace()
+    {
+        const QJsonArray workspaces =
+            QJsonDocument::fromJson(swaymsg({"-t", "get_workspaces"}).toUtf8()).array();
+        for (const auto& workspace : workspaces) {
+            if (workspace.toObject().value("focused").toBool())
+                return workspace.toObject().value("name").toString();
+        }
+        return QString();
+    }
+
+    // Super+9 pressed as a keyboard does, through sway's virtual keyboard, then Super+F12, which
+    // sway serves even while a client inhibits its bindings: one keyboard sends both in order,
+    // so once Super+F12 has acted Super+9 has been and gone. False when the witness did not act.
+    bool pressSuper9OnSway()
+    {
+        const QString witness = swayRuntime.filePath("run/witness");
+        QFile::remove(witness);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_RUNTIME_DIR", runtime.path());
+        environment.insert("WAYLAND_DISPLAY", swayDisplay);
+        run("wtype", {"-M", "logo", "9", "-k", "F12", "-m", "logo"}, environment);
+        return QTest::qWaitFor([&] { return QFile::exists(witness); }, 5000);
     }
 
     // What sway shows on its two outputs, side by side.
@@ -432,15 +467,43 @@ private slots:
             return log.count(" stays: closing it does not end the break") + log.count(" put back: ") +
                    log.count("took the focus back");
         };
-        for (const QString& command : QStringList{"kill", "fullscreen disable", "workspace number 3",
-                                       "move container to workspace number 4", "move container to output right"}) {
+        for (const QString& command :
+             QStringList{"kill", "fullscreen disable", "workspace number 3",
+                         "move container to workspace number 4", "move container to output right"}) {
             const qsizetype before = reactions();
             swaymsg(command.split(' '));
-            QTRY_VERIFY2_WITH_TIMEOUT(reactions() > before, qPrintable(command + "\n" + instance.log().right(900)),
-                                      5000);
+            QTRY_VERIFY2_WITH_TIMEOUT(reactions() > before,
+                                      qPrintable(command + "\n" + instance.log().right(900)), 5000);
             QTRY_VERIFY2_WITH_TIMEOUT(covered() == all, qPrintable(command), 2000);
         }
         QVERIFY(status(instance).startsWith("break "));
+    }
+
+    void onSwaySuperAndWorkspaceKeysDoNotReachSwayDuringABreakAndDoAfterIt()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n", swayDisplay);
+        const int all = int(edgesOfBothOutputs().size());
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(swayScreen()), all, 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            instance.log().contains("the compositor's own key bindings wait while a break has "
+                                    "the keyboard"),
+            5000);
+        const QString workspace = focusedSwayWorkspace();
+        QVERIFY(workspace != "9");
+        QVERIFY2(pressSuper9OnSway(), qPrintable(run("cat", {scratch.filePath("sway.log")},
+                                                     QProcessEnvironment::systemEnvironment())));
+        QCOMPARE(focusedSwayWorkspace(), workspace);
+        QVERIFY2(!instance.log().contains(" put back: ") && !instance.log().contains("took the focus back"),
+                 qPrintable(instance.log().right(900)));
+        QCOMPARE(whitePoints(swayScreen()), all);
+
+        // After the break the keys are sway's again.
+        run(LULLTIDE_BINARY, {"--skip"}, onWayland(instance.home.path()));
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(swayScreen()), 0, 10000);
+        QVERIFY(pressSuper9OnSway());
+        QCOMPARE(focusedSwayWorkspace(), QString("9"));
+        swaymsg({"workspace", "number", workspace});
     }
 
     void onWestonABreakCoversAWindowOpenedDuringIt()
@@ -455,7 +518,8 @@ private slots:
         terminal.setProcessEnvironment(environment);
         terminal.start("weston-terminal", {});
         QVERIFY(terminal.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("the break took the focus back from another window"), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("the break took the focus back from another window"),
+                                 5000);
         QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), all, 2000);
         terminal.kill();
         terminal.waitForFinished();
@@ -476,7 +540,8 @@ private slots:
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\nhold_breaks=true\n", swayDisplay);
         QTRY_VERIFY_WITH_TIMEOUT(
-            instance.log().contains("breaks are held for full-screen windows through the compositor's window list"),
+            instance.log().contains(
+                "breaks are held for full-screen windows through the compositor's window list"),
             5000);
         // Due after three seconds of work, and held.
         QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("held "), 15000);
@@ -527,7 +592,8 @@ private slots:
         QCOMPARE(idleChild("idle-cycle", kwinSocket, home.path()),
                  QStringList({"stopped after idleness", "working again after a pointer move"}));
         const QString log = TestSupport::logTextIn(home.path());
-        QCOMPARE(log.count("pointer idleness from the compositor's idle notifications (ext_idle_notifier_v1)"), 1);
+        QCOMPARE(
+            log.count("pointer idleness from the compositor's idle notifications (ext_idle_notifier_v1)"), 1);
         QVERIFY(!log.contains("no pointer monitor"));
         QCOMPARE(log.count("ticktack timer start 1500.0"), 2);
     }
@@ -552,7 +618,8 @@ private slots:
         QCOMPARE(idleChild("idle-cycle", swayDisplay, home.path()),
                  QStringList({"stopped after idleness", "working again after a pointer move"}));
         const QString log = TestSupport::logTextIn(home.path());
-        QCOMPARE(log.count("pointer idleness from the compositor's idle notifications (org_kde_kwin_idle)"), 1);
+        QCOMPARE(log.count("pointer idleness from the compositor's idle notifications (org_kde_kwin_idle)"),
+                 1);
         QVERIFY(!log.contains("no pointer monitor"));
         QCOMPARE(log.count("ticktack timer start 1500.0"), 2);
     }
@@ -585,7 +652,9 @@ private slots:
         instance.process.setProcessEnvironment(environment);
         instance.process.start(LULLTIDE_BINARY, {});
         QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
-        QCOMPARE(instance.log().count("pointer idleness from the compositor's idle notifications (ext_idle_notifier_v1)"), 1);
+        QCOMPARE(instance.log().count(
+                     "pointer idleness from the compositor's idle notifications (ext_idle_notifier_v1)"),
+                 1);
         QVERIFY(!instance.log().contains("no pointer monitor"));
     }
 

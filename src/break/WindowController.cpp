@@ -5,6 +5,7 @@
 #include "IconFont.h"
 #include "QmlEngine.h"
 #include "ReducedMotion.h"
+#include "WaylandShortcutsInhibitor.h"
 #include "X11WindowHints.h"
 #include "appinfo/AppInfo.h"
 #include "cycle/AppState.h"
@@ -93,6 +94,7 @@ void present(QQuickWindow* window)
     window->setWindowStates(Qt::WindowFullScreen);
     window->setVisible(true);
     window->raise();
+    WaylandShortcutsInhibitor::inhibit(window);
 }
 
 QQuickItem* makeBreakView()
@@ -371,6 +373,7 @@ bool showBreak()
 void closeBreak()
 {
     breakShown = false;
+    WaylandShortcutsInhibitor::releaseAll();
     // Every screen has its break window from here on, shown or not (no view is made for
     // it: that waits for a break to show).
     for (QScreen* screen : QGuiApplication::screens()) {
