@@ -296,6 +296,15 @@ class WaylandTest : public QObject {
         return find(QJsonDocument::fromJson(swaymsg({"-t", "get_tree"}).toUtf8()).object());
     }
 
+    // The environment of a client of sway, run by the tests.
+    QProcessEnvironment clientOfSway()
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_RUNTIME_DIR", runtime.path());
+        environment.insert("WAYLAND_DISPLAY", swayDisplay);
+        return environment;
+    }
+
     QString focusedSwayWorkspace()
     {
         const QJsonArray workspaces =
@@ -314,10 +323,7 @@ class WaylandTest : public QObject {
     {
         const QString witness = swayRuntime.filePath("run/witness");
         QFile::remove(witness);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("XDG_RUNTIME_DIR", runtime.path());
-        environment.insert("WAYLAND_DISPLAY", swayDisplay);
-        run("wtype", {"-M", "logo", "9", "-k", "F12", "-m", "logo"}, environment);
+        run("wtype", {"-M", "logo", "9", "-k", "F12", "-m", "logo"}, clientOfSway());
         return QTest::qWaitFor([&] { return QFile::exists(witness); }, 5000);
     }
 
@@ -326,10 +332,7 @@ class WaylandTest : public QObject {
     {
         const QString shot = scratch.filePath("sway.png");
         QFile::remove(shot);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("XDG_RUNTIME_DIR", runtime.path());
-        environment.insert("WAYLAND_DISPLAY", swayDisplay);
-        run("grim", {shot}, environment);
+        run("grim", {shot}, clientOfSway());
         return QImage(shot);
     }
 
