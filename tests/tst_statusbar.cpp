@@ -1083,6 +1083,7 @@ private slots:
 
     void theUpdateEntryChecksForUpdatesInTheUpdateDialog()
     {
+        const QByteArray savedFeed = qgetenv("LULLTIDE_FEED_URL");
         qputenv("LULLTIDE_FEED_URL", "http://updates.example/appcast.xml"); // refused before any network
         click(6);
         UpdateDialog* dialog = nullptr;
@@ -1095,7 +1096,7 @@ private slots:
         QTRY_COMPARE(dialog->findChild<QLabel*>("updateHeadline")->text(),
                      "Lulltide could not check for updates.");
         dialog->hide();
-        qunsetenv("LULLTIDE_FEED_URL");
+        qputenv("LULLTIDE_FEED_URL", savedFeed);
     }
 
     void feedbackHandsSubjectBodyTodaysLogAndTheAddressToXdgEmail()

@@ -12,7 +12,9 @@
 
 #include <QAccessible>
 #include <QElapsedTimer>
+#include <QDir>
 #include <QLabel>
+#include <QNetworkAccessManager>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSslCertificate>
@@ -435,6 +437,34 @@ private slots:
         QCOMPARE(result.outcome, Updater::Outcome::Failed);
         QVERIFY2(result.error.contains("HTTP 404"), qPrintable(result.error));
         updater.dialog()->hide();
+    }
+
+    void nothingOfTheNetworkStaysAfterACheckEnds_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::newRow("up to date") << 200;
+        QTest::newRow("failed") << 404;
+    }
+
+    // Twice a day a check needs the network for a few seconds; between checks neither its
+    // access manager nor its thread stays.
+    void nothingOfTheNetworkStaysAfterACheckEnds()
+    {
+        QFETCH(int, status);
+        feed->serve(feedOf({"1.0.0"}), status);
+        Updater updater(false);
+        QSignalSpy done(&updater, &Updater::checked);
+        const qsizetype threadsBefore = QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+        for (int round = 0; round < 2; ++round) {
+            updater.checkInBackground();
+            QCOMPARE(updater.findChildren<QNetworkAccessManager*>().size(), 1);
+            QVERIFY(done.wait(5000));
+            QCOMPARE(done.takeFirst().at(0).value<Updater::Outcome>(),
+                     status == 200 ? Updater::Outcome::UpToDate : Updater::Outcome::Failed);
+            QTRY_VERIFY(updater.findChildren<QNetworkAccessManager*>().isEmpty());
+            QTRY_COMPARE(QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(),
+                         threadsBefore);
+        }
     }
 
     void aRedirectToPlainHttpIsRefused()

@@ -148,9 +148,10 @@ void Updater::start(bool userInitiated)
                Updater::tr("the feed address %1 is not HTTPS").arg(feed.toDisplayString()));
         return;
     }
-    // Made at the first check, not at start: most of the time nobody checks.
-    if (!m_network) {
+    // Made for each check, not at start: twice a day a check needs it for a few seconds.
+    if (!m_network)
         m_network = new QNetworkAccessManager(this);
+    if (!m_deadline) {
         m_deadline = new QTimer(this);
         m_deadline->setSingleShot(true);
         connect(m_deadline, &QTimer::timeout, this, [this] {
@@ -202,7 +203,15 @@ void Updater::cancel()
     QNetworkReply* reply = std::exchange(m_running, nullptr);
     m_deadline->stop();
     reply->abort();
+    letGoOfNetwork();
     emit checked(Outcome::Failed, {}, Updater::tr("the check was cancelled"));
+}
+
+void Updater::letGoOfNetwork()
+{
+    // Later, not now: the reply that just finished is still on the stack above us.
+    if (m_network)
+        std::exchange(m_network, nullptr)->deleteLater();
 }
 
 void Updater::conclude(Outcome outcome, const AppcastItem& update, const QString& error)
@@ -212,6 +221,7 @@ void Updater::conclude(Outcome outcome, const AppcastItem& update, const QString
         reply->deleteLater();
     }
     m_deadline->stop();
+    letGoOfNetwork();
     report(m_userInitiated, outcome, update, error);
 }
 

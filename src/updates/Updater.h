@@ -62,6 +62,8 @@ private:
     // Ends the running check: its reply is let go and the verdict reported.
     void conclude(Outcome outcome, const AppcastItem& update, const QString& error);
     void cancel();
+    // Between checks nothing of the network stays: its thread, caches and connections go.
+    void letGoOfNetwork();
     void report(bool userInitiated, Outcome outcome, const AppcastItem& update, const QString& error);
     UpdateDialog& showDialog();
 
