@@ -14,6 +14,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -242,6 +243,32 @@ QList<qint64> processTree(qint64 pid)
     for (qsizetype i = 0; i < tree.size(); ++i)
         tree += children.values(tree.at(i));
     return tree;
+}
+
+bool processRunning(qint64 pid)
+{
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray line = stat.readAll();
+    return line.mid(line.lastIndexOf(')') + 2, 1) != "Z" ||
+           QDir(QStringLiteral("/proc/%1/task").arg(pid))
+                   .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
+                   .size() > 1;
+}
+
+bool waitForProcessesToEnd(const QList<qint64>& pids, int ms)
+{
+    const auto allEnded = [&] { return std::none_of(pids.begin(), pids.end(), processRunning); };
+    if (QTest::qWaitFor(allEnded, ms))
+        return true;
+    for (qint64 pid : pids) {
+        if (processRunning(pid))
+            ::kill(pid_t(pid), SIGKILL);
+    }
+    // Killed: waited for only so that the next test meets none of them.
+    static_cast<void>(QTest::qWaitFor(allEnded, 5000));
+    return false;
 }
 
 QStringList visibleWindowsOf(qint64 pid, const QProcessEnvironment& environment)

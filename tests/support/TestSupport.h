@@ -80,6 +80,14 @@ windowsWithRole(const QString& role, bool onlyVisible,
 // The process and all its descendants, as /proc lists them now.
 QList<qint64> processTree(qint64 pid);
 
+// Whether the process is still there. A zombie whose other threads are still ending counts:
+// its files, its X connection among them, stay open until the last thread has gone.
+bool processRunning(qint64 pid);
+
+// Waits up to `ms` for each of the processes to end, then kills those left. False when any had
+// to be killed.
+bool waitForProcessesToEnd(const QList<qint64>& pids, int ms);
+
 // The visible windows of a program and of the processes it started (its break screen), as
 // the X server lists them.
 QStringList
