@@ -202,6 +202,9 @@ private slots:
         const Result depends = run(QStringLiteral("dpkg-deb"), {"--field", deb, "Depends"});
         QVERIFY(depends.output.contains("libqt6core6"));
         QVERIFY2(!depends.output.contains("libqt6network6"), qPrintable(depends.output));
+        // The break screen uses Qt's private platform interface: only the Qt it was built with.
+        const QString qtVersion = QString::fromLatin1(qVersion());
+        QVERIFY2(depends.output.contains("qt6-base-abi (= " + qtVersion + ")"), qPrintable(depends.output));
 
         if (QStandardPaths::findExecutable("hardening-check").isEmpty())
             QSKIP("hardening-check (devscripts) is not installed");

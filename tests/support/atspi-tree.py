@@ -11,6 +11,11 @@
 import sys
 
 import pyatspi
+from gi.repository import Atspi
+
+# A call unanswered for 800 ms counts as "hung" by default; under the sanitizers on a loaded
+# machine Lulltide answers, only later.
+Atspi.set_timeout(10000, 30000)
 
 
 def walk(node, depth, out):
