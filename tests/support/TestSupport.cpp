@@ -222,6 +222,22 @@ QQuickItem* findItem(QQuickItem* parent, const QString& objectName)
     return nullptr;
 }
 
+namespace {
+
+// The fields of /proc/<pid>/stat after the name, from the state on; empty when the process is
+// gone. "pid (name) state ppid ...": the name may hold spaces and parentheses.
+QList<QByteArray> statusFields(qint64 pid)
+{
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray line = stat.readAll();
+    const qsizetype nameEnd = line.lastIndexOf(')');
+    return nameEnd < 0 ? QList<QByteArray>() : line.mid(nameEnd + 2).split(' ');
+}
+
+} // namespace
+
 QList<qint64> processTree(qint64 pid)
 {
     QMultiHash<qint64, qint64> children;
@@ -230,12 +246,7 @@ QList<qint64> processTree(qint64 pid)
         const qint64 child = entry.toLongLong(&isNumber);
         if (!isNumber)
             continue;
-        QFile stat(QStringLiteral("/proc/%1/stat").arg(child));
-        if (!stat.open(QIODevice::ReadOnly))
-            continue;
-        // "pid (name) state ppid ...": the name may hold spaces and parentheses.
-        const QByteArray line = stat.readAll();
-        const QList<QByteArray> fields = line.mid(line.lastIndexOf(')') + 2).split(' ');
+        const QList<QByteArray> fields = statusFields(child);
         if (fields.size() > 1)
             children.insert(fields.at(1).toLongLong(), child);
     }
@@ -247,14 +258,12 @@ QList<qint64> processTree(qint64 pid)
 
 bool processRunning(qint64 pid)
 {
-    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (!stat.open(QIODevice::ReadOnly))
+    const QList<QByteArray> fields = statusFields(pid);
+    if (fields.isEmpty())
         return false;
-    const QByteArray line = stat.readAll();
-    return line.mid(line.lastIndexOf(')') + 2, 1) != "Z" ||
-           QDir(QStringLiteral("/proc/%1/task").arg(pid))
-                   .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
-                   .size() > 1;
+    return fields.first() != "Z" || QDir(QStringLiteral("/proc/%1/task").arg(pid))
+                                            .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
+                                            .size() > 1;
 }
 
 bool waitForProcessesToEnd(const QList<qint64>& pids, int ms)
