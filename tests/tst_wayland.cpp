@@ -8,22 +8,36 @@
 #include "cycle/WorkItem.h"
 #include "events/WaylandIdleMonitor.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusUnixFileDescriptor>
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QPainter>
 #include <QProcess>
 #include <QRasterWindow>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <fcntl.h>
 #include <functional>
 #include <unistd.h>
 
 namespace {
+
+// Another program's window: black all over, so that any part of it above a break shows.
+class BlackWindow : public QRasterWindow {
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QPainter(this).fillRect(QRect(QPoint(), size()), Qt::black);
+    }
+};
 
 // Runs the application on Qt's offscreen platform (so the compositor's idle notifications are
 // its only view of the person) with an idle timeout of 0.6 s: prints when the cycle stops and
@@ -32,7 +46,7 @@ int childMain(const QByteArray& mode)
 {
     if (mode == "full-screen-window") {
         // Another program, full screen: a plain window of the test's own.
-        QRasterWindow window;
+        BlackWindow window;
         window.setTitle("another program");
         window.showFullScreen();
         return QGuiApplication::exec();
@@ -170,7 +184,8 @@ class WaylandTest : public QObject {
         return white;
     }
 
-    // KWin on a virtual output: the Wayland compositor in Debian that offers ext-idle-notify-v1.
+    // KWin on two virtual outputs side by side, with two virtual desktops: the Wayland compositor
+    // in Debian that offers ext-idle-notify-v1.
     void startKWin()
     {
         // A copy: the installed program carries file capabilities, which containers may refuse
@@ -178,15 +193,21 @@ class WaylandTest : public QObject {
         const QString program = scratch.filePath("kwin_wayland");
         QVERIFY(QFile::copy("/usr/bin/kwin_wayland", program));
         QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner);
-        // KWin offers fake input only to programs whose desktop entry asks for it.
+        // KWin offers fake input and screenshots only to programs whose desktop entry asks for them.
         const QString applications = QDir::homePath() + "/.local/share/applications";
         QVERIFY(QDir().mkpath(applications));
         QFile entry(applications + "/lulltide-wayland-test.desktop");
         QVERIFY(entry.open(QIODevice::WriteOnly));
         entry.write("[Desktop Entry]\nType=Application\nName=Lulltide Wayland test\nExec=" +
                     QCoreApplication::applicationFilePath().toUtf8() +
-                    "\nNoDisplay=true\nX-KDE-Wayland-Interfaces=org_kde_kwin_fake_input\n");
+                    "\nNoDisplay=true\nX-KDE-Wayland-Interfaces=org_kde_kwin_fake_input\n"
+                    "X-KDE-DBUS-Restricted-Interfaces=org.kde.KWin.ScreenShot2\n");
         entry.close();
+        QFile config(QDir::homePath() + "/.config/kwinrc");
+        QVERIFY(QDir().mkpath(QDir::homePath() + "/.config"));
+        QVERIFY(config.open(QIODevice::WriteOnly));
+        config.write("[Desktops]\nNumber=2\nRows=1\n");
+        config.close();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("XDG_RUNTIME_DIR", runtime.path());
         environment.remove("QT_QPA_PLATFORM");
@@ -195,13 +216,73 @@ class WaylandTest : public QObject {
         kwin.setProcessEnvironment(environment);
         kwin.setStandardOutputFile(scratch.filePath("kwin.log"));
         kwin.setStandardErrorFile(scratch.filePath("kwin.log"));
-        kwin.start(program, {"--virtual", "--socket", kwinSocket, "--width", "1280", "--height", "800"});
+        kwin.start(program, {"--virtual", "--output-count", "2", "--socket", kwinSocket, "--width", "1280",
+                             "--height", "800"});
         QVERIFY(kwin.waitForStarted());
         const auto kwinLog = [this] {
             QFile log(scratch.filePath("kwin.log"));
             return log.open(QIODevice::ReadOnly) ? log.readAll() : QByteArray();
         };
         QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(runtime.filePath(kwinSocket)), kwinLog().constData(), 20000);
+    }
+
+    // What KWin shows on its two outputs, side by side, through its screenshot interface (the
+    // pixels it composites for the outputs). A null image when KWin refuses.
+    QImage kwinScreen()
+    {
+        QImage both(2560, 800, QImage::Format_RGB32);
+        both.fill(Qt::black);
+        QPainter painter(&both);
+        for (int output : {0, 1}) {
+            int pipe[2];
+            if (::pipe2(pipe, O_CLOEXEC) != 0)
+                return QImage();
+            QDBusMessage reply;
+            {
+                // KWin writes the pixels once it has answered; our copies of the write end are
+                // closed before reading, so the end of its writing is the end of the pipe.
+                QDBusMessage call = QDBusMessage::createMethodCall(
+                    "org.kde.KWin", "/org/kde/KWin/ScreenShot2", "org.kde.KWin.ScreenShot2", "CaptureScreen");
+                call << QStringLiteral("Virtual-%1").arg(output) << QVariantMap()
+                     << QVariant::fromValue(QDBusUnixFileDescriptor(pipe[1]));
+                ::close(pipe[1]);
+                reply = QDBusConnection::sessionBus().call(call, QDBus::Block, 10000);
+            }
+            QFile pixels;
+            pixels.open(pipe[0], QIODevice::ReadOnly, QFile::AutoCloseHandle);
+            const QByteArray data = pixels.readAll();
+            if (reply.type() != QDBusMessage::ReplyMessage) {
+                qWarning() << "KWin's screenshot:" << reply.errorMessage();
+                return QImage();
+            }
+            const QVariantMap results = qdbus_cast<QVariantMap>(reply.arguments().value(0));
+            const int width = results.value("width").toInt();
+            const int height = results.value("height").toInt();
+            const int stride = results.value("stride").toInt();
+            if (data.size() < qsizetype(stride) * height)
+                return QImage();
+            const QImage image(reinterpret_cast<const uchar*>(data.constData()), width, height, stride,
+                               QImage::Format(results.value("format").toInt()));
+            painter.drawImage(output * 1280, 0, image);
+        }
+        painter.end();
+        return both;
+    }
+
+    // Calls one of KWin's actions, as its keyboard shortcut would.
+    static void kwinAction(const QString& name)
+    {
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            "org.kde.kglobalaccel", "/component/kwin", "org.kde.kglobalaccel.Component", "invokeShortcut");
+        call << name;
+        QDBusConnection::sessionBus().call(call, QDBus::Block, 10000);
+    }
+
+    static QDBusMessage kwinDesktopCall(const char* method, const QVariantList& arguments = {})
+    {
+        QDBusMessage call = QDBusMessage::createMethodCall("org.kde.KWin", "/KWin", "org.kde.KWin", method);
+        call.setArguments(arguments);
+        return QDBusConnection::sessionBus().call(call, QDBus::Block, 10000);
     }
 
     // sway 1.7 headless with two outputs of 1280×800 side by side. sway refuses to run as root:
@@ -480,6 +561,51 @@ private slots:
             QTRY_VERIFY2_WITH_TIMEOUT(covered() == all, qPrintable(command), 2000);
         }
         QVERIFY(status(instance).startsWith("break "));
+    }
+
+    void onKWinABreakComesBackFromEveryEscape()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n", kwinSocket);
+        const auto covered = [this] { return whitePoints(kwinScreen()); };
+        const int all = int(edgesOfBothOutputs().size());
+        QTRY_COMPARE_WITH_TIMEOUT(covered(), all, 15000);
+        kwinScreen().save(QDir::current().filePath("kwin-two-outputs.png"));
+        const auto reactions = [&instance] {
+            const QString log = instance.log();
+            return log.count(" stays: closing it does not end the break") + log.count(" put back: ") +
+                   log.count("took the focus back");
+        };
+        const auto escape = [&](const QString& what, const std::function<void()>& act) {
+            const qsizetype before = reactions();
+            act();
+            QTRY_VERIFY2_WITH_TIMEOUT(reactions() > before,
+                                      qPrintable(what + "\n" + instance.log().right(900)), 5000);
+            QTRY_VERIFY2_WITH_TIMEOUT(covered() == all, qPrintable(what), 2000);
+        };
+        escape("another virtual desktop (Ctrl+F2)", [] { kwinDesktopCall("setCurrentDesktop", {2}); });
+        QCOMPARE(kwinDesktopCall("currentDesktop").arguments().value(0).toInt(), 2);
+        escape("close (Alt+F4)", [] { kwinAction("Window Close"); });
+        escape("minimise", [] { kwinAction("Window Minimize"); });
+        // A program started during the break, full screen and black all over.
+        QProcess other;
+        QTemporaryDir otherHome;
+        QProcessEnvironment environment = onWayland(otherHome.path());
+        environment.insert("WAYLAND_DISPLAY", kwinSocket);
+        environment.insert("LULLTIDE_TEST_CHILD", "full-screen-window");
+        other.setProcessEnvironment(environment);
+        escape("a new full-screen window", [&other] {
+            other.start(QCoreApplication::applicationFilePath(), {});
+            QVERIFY(other.waitForStarted());
+        });
+        QVERIFY(other.state() == QProcess::Running);
+        QVERIFY(status(instance).startsWith("break "));
+        other.kill();
+        other.waitForFinished();
+        kwinDesktopCall("setCurrentDesktop", {1});
+        // Skipped, the break leaves nothing on either output.
+        run(LULLTIDE_BINARY, {"--skip"}, onWayland(instance.home.path()));
+        QTRY_COMPARE_WITH_TIMEOUT(covered(), 0, 10000);
     }
 
     void onSwaySuperAndWorkspaceKeysDoNotReachSwayDuringABreakAndDoAfterIt()
