@@ -8,6 +8,7 @@
 #include "cycle/WorkItem.h"
 #include "events/WaylandIdleMonitor.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
