@@ -180,7 +180,8 @@ private slots:
         QVERIFY2(extract.exitCode == 0, qPrintable(extract.output));
         const QString binary = root.filePath("usr/bin/lulltide");
         // The windows' program lives where the distribution keeps programs only others start.
-        QDirIterator found(root.path(), {QStringLiteral("lulltide-views")}, QDir::Files, QDirIterator::Subdirectories);
+        QDirIterator found(root.path(), {QStringLiteral("lulltide-views")}, QDir::Files,
+                           QDirIterator::Subdirectories);
         const QString views = found.hasNext() ? found.next() : QString();
         QVERIFY2(!views.isEmpty(), "no lulltide-views in the package");
         QVERIFY2(views.contains("/usr/lib") && views.endsWith("/lulltide/lulltide-views"), qPrintable(views));
@@ -198,6 +199,11 @@ private slots:
             QVERIFY(program.open(QIODevice::ReadOnly));
             QVERIFY(!program.readAll().contains("appcast"));
         }
+
+        // KWin finds the entry that asks for its window list by the program's full path.
+        QFile entry(root.filePath("usr/share/applications/org.lulltide.Lulltide.desktop"));
+        QVERIFY(entry.open(QIODevice::ReadOnly));
+        QVERIFY(entry.readAll().contains("\nExec=/usr/bin/lulltide\n"));
 
         const Result depends = run(QStringLiteral("dpkg-deb"), {"--field", deb, "Depends"});
         QVERIFY(depends.output.contains("libqt6core6"));

@@ -204,6 +204,13 @@ class WaylandTest : public QObject {
                     "\nNoDisplay=true\nX-KDE-Wayland-Interfaces=org_kde_kwin_fake_input\n"
                     "X-KDE-DBUS-Restricted-Interfaces=org.kde.KWin.ScreenShot2\n");
         entry.close();
+        // Lulltide's own, as its installed entry has it: KWin's list of every program's windows.
+        QFile lulltideEntry(applications + "/lulltide-under-test.desktop");
+        QVERIFY(lulltideEntry.open(QIODevice::WriteOnly));
+        lulltideEntry.write(
+            "[Desktop Entry]\nType=Application\nName=Lulltide under test\nExec=" LULLTIDE_BINARY
+            "\nNoDisplay=true\nX-KDE-Wayland-Interfaces=org_kde_plasma_window_management\n");
+        lulltideEntry.close();
         QFile config(QDir::homePath() + "/.config/kwinrc");
         QVERIFY(QDir().mkpath(QDir::homePath() + "/.config"));
         QVERIFY(config.open(QIODevice::WriteOnly));
@@ -437,6 +444,16 @@ class WaylandTest : public QObject {
         return said;
     }
 
+    // Another program: a window full screen and black all over, on the compositor at `socketName`.
+    void startAnotherProgram(QProcess& other, const QString& home, const QString& socketName) const
+    {
+        QProcessEnvironment environment = onWayland(home);
+        environment.insert("WAYLAND_DISPLAY", socketName);
+        environment.insert("LULLTIDE_TEST_CHILD", "full-screen-window");
+        other.setProcessEnvironment(environment);
+        other.start(QCoreApplication::applicationFilePath(), {});
+    }
+
     // Points this process's own Wayland connections at one of the compositors.
     void useCompositor(const QString& socketName)
     {
@@ -588,15 +605,11 @@ private slots:
         QCOMPARE(kwinDesktopCall("currentDesktop").arguments().value(0).toInt(), 2);
         escape("close (Alt+F4)", [] { kwinAction("Window Close"); });
         escape("minimise", [] { kwinAction("Window Minimize"); });
-        // A program started during the break, full screen and black all over.
+        // A program started during the break, full screen.
         QProcess other;
         QTemporaryDir otherHome;
-        QProcessEnvironment environment = onWayland(otherHome.path());
-        environment.insert("WAYLAND_DISPLAY", kwinSocket);
-        environment.insert("LULLTIDE_TEST_CHILD", "full-screen-window");
-        other.setProcessEnvironment(environment);
-        escape("a new full-screen window", [&other] {
-            other.start(QCoreApplication::applicationFilePath(), {});
+        escape("a new full-screen window", [&] {
+            startAnotherProgram(other, otherHome.path(), kwinSocket);
             QVERIFY(other.waitForStarted());
         });
         QVERIFY(other.state() == QProcess::Running);
@@ -659,11 +672,7 @@ private slots:
     {
         QProcess other;
         QTemporaryDir otherHome;
-        QProcessEnvironment environment = onWayland(otherHome.path());
-        environment.insert("WAYLAND_DISPLAY", swayDisplay);
-        environment.insert("LULLTIDE_TEST_CHILD", "full-screen-window");
-        other.setProcessEnvironment(environment);
-        other.start(QCoreApplication::applicationFilePath(), {});
+        startAnotherProgram(other, otherHome.path(), swayDisplay);
         QVERIFY(other.waitForStarted());
         QTRY_COMPARE_WITH_TIMEOUT(swayWindow("another program").value("fullscreen_mode").toInt(), 1, 10000);
 
@@ -680,6 +689,31 @@ private slots:
         // The break follows the hold's ten seconds of notice.
         QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 30000);
         QTRY_COMPARE_WITH_TIMEOUT(whitePoints(swayScreen()), int(edgesOfBothOutputs().size()), 5000);
+        other.kill();
+        other.waitForFinished();
+    }
+
+    void onKWinAFullScreenWindowOfAnotherProgramHoldsTheBreakUntilItLeavesFullScreen()
+    {
+        QProcess other;
+        QTemporaryDir otherHome;
+        startAnotherProgram(other, otherHome.path(), kwinSocket);
+        QVERIFY(other.waitForStarted());
+        // Full screen on one output: that output all black.
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(kwinScreen()), 0, 10000);
+
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\nhold_breaks=true\n", kwinSocket);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            instance.log().contains("breaks are held for full-screen windows through the compositor's window "
+                                    "list (org_kde_plasma_window_management)"),
+            5000);
+        QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("held "), 15000);
+        QCOMPARE(whitePoints(kwinScreen()), 0);
+        kwinAction("Window Fullscreen"); // the other program's window, active, leaves full screen
+        // The break follows the hold's ten seconds of notice.
+        QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(kwinScreen()), int(edgesOfBothOutputs().size()), 5000);
         other.kill();
         other.waitForFinished();
     }

@@ -4,6 +4,7 @@
 #include "DBusPropertyHoldSource.h"
 #include "FullScreenHoldSource.h"
 #include "GSettingsHoldSource.h"
+#include "PlasmaWindowListHoldSource.h"
 #include "PowerInhibitHoldSource.h"
 #include "ToplevelListHoldSource.h"
 #include "XfconfHoldSource.h"
@@ -41,8 +42,16 @@ std::unique_ptr<HoldSource> HoldConditions::make()
             conditions << toplevels;
         } else {
             delete toplevels;
-            logger().info(QStringLiteral("breaks are not held for full-screen windows here: the compositor "
-                                         "shows no program another's windows"));
+            auto* plasmaWindows = new PlasmaWindowListHoldSource(QGuiApplication::desktopFileName());
+            if (plasmaWindows->start()) {
+                logger().info(QStringLiteral("breaks are held for full-screen windows through the "
+                                             "compositor's window list (org_kde_plasma_window_management)"));
+                conditions << plasmaWindows;
+            } else {
+                delete plasmaWindows;
+                logger().info(QStringLiteral("breaks are not held for full-screen windows here: the "
+                                             "compositor shows no program another's windows"));
+            }
         }
     }
 

@@ -3,8 +3,6 @@
 
 #include "wlr-foreign-toplevel-management-client-protocol.h"
 
-#include <QCoreApplication>
-#include <QSocketNotifier>
 #include <wayland-client.h>
 
 #include <algorithm>
@@ -13,15 +11,6 @@
 namespace {
 
 using Source = ToplevelListHoldSource;
-
-void global(void* data, wl_registry* registry, uint32_t name, const char* interface, uint32_t version)
-{
-    static_cast<Source*>(data)->bind(registry, name, interface, version);
-}
-
-void globalRemove(void*, wl_registry*, uint32_t) {}
-
-const wl_registry_listener registryListener = {global, globalRemove};
 
 void title(void*, zwlr_foreign_toplevel_handle_v1*, const char*) {}
 
@@ -74,13 +63,13 @@ const zwlr_foreign_toplevel_manager_v1_listener managerListener = {toplevelAdded
 } // namespace
 
 ToplevelListHoldSource::ToplevelListHoldSource(QString ownAppId, QObject* parent)
-    : HoldSource(parent), m_ownAppId(std::move(ownAppId))
+    : WindowListHoldSource(std::move(ownAppId), parent)
 {
 }
 
 ToplevelListHoldSource::~ToplevelListHoldSource()
 {
-    disconnect();
+    release();
 }
 
 void ToplevelListHoldSource::bind(wl_registry* registry, unsigned name, const char* interface, unsigned version)
@@ -91,30 +80,9 @@ void ToplevelListHoldSource::bind(wl_registry* registry, unsigned name, const ch
             wl_registry_bind(registry, name, &zwlr_foreign_toplevel_manager_v1_interface, std::min(version, 3u)));
 }
 
-bool ToplevelListHoldSource::start()
+void ToplevelListHoldSource::listen()
 {
-    m_display = wl_display_connect(nullptr);
-    if (!m_display)
-        return false;
-    m_registry = wl_display_get_registry(m_display);
-    wl_registry_add_listener(m_registry, &registryListener, this);
-    if (wl_display_roundtrip(m_display) < 0 || !m_manager) {
-        disconnect();
-        return false;
-    }
     zwlr_foreign_toplevel_manager_v1_add_listener(m_manager, &managerListener, this);
-    // The present windows, and their states.
-    wl_display_roundtrip(m_display);
-    wl_display_roundtrip(m_display);
-    m_reader = new QSocketNotifier(wl_display_get_fd(m_display), QSocketNotifier::Read, this);
-    connect(m_reader, &QSocketNotifier::activated, this, &ToplevelListHoldSource::dispatch);
-    return true;
-}
-
-QString ToplevelListHoldSource::reason() const
-{
-    return holding() ? QCoreApplication::translate("HoldSource", "another program is full screen")
-                     : QString();
 }
 
 void ToplevelListHoldSource::added(zwlr_foreign_toplevel_handle_v1* handle)
@@ -125,8 +93,8 @@ void ToplevelListHoldSource::added(zwlr_foreign_toplevel_handle_v1* handle)
 
 ToplevelListHoldSource::Toplevel* ToplevelListHoldSource::toplevel(zwlr_foreign_toplevel_handle_v1* handle)
 {
-    const auto found = m_toplevels.find(handle);
-    return found == m_toplevels.end() ? nullptr : &found.value();
+    const auto entry = m_toplevels.find(handle);
+    return entry == m_toplevels.end() ? nullptr : &entry.value();
 }
 
 void ToplevelListHoldSource::done()
@@ -137,7 +105,7 @@ void ToplevelListHoldSource::done()
             toplevel.appId = std::exchange(toplevel.pendingAppId, QString());
         toplevel.activated = toplevel.pendingActivated;
         toplevel.fullScreen = toplevel.pendingFullScreen;
-        holding = holding || (toplevel.activated && toplevel.fullScreen && toplevel.appId != m_ownAppId);
+        holding = holding || (toplevel.activated && toplevel.fullScreen && toplevel.appId != ownAppId());
     }
     setHolding(holding);
 }
@@ -149,31 +117,12 @@ void ToplevelListHoldSource::closed(zwlr_foreign_toplevel_handle_v1* handle)
     done();
 }
 
-void ToplevelListHoldSource::dispatch()
+void ToplevelListHoldSource::release()
 {
-    if (wl_display_dispatch(m_display) < 0) {
-        // The compositor went away: nothing holds any more.
-        m_reader->setEnabled(false);
-        setHolding(false);
-        return;
-    }
-    wl_display_flush(m_display);
-}
-
-void ToplevelListHoldSource::disconnect()
-{
-    delete m_reader;
-    m_reader = nullptr;
     for (auto handle = m_toplevels.keyBegin(); handle != m_toplevels.keyEnd(); ++handle)
         zwlr_foreign_toplevel_handle_v1_destroy(*handle);
     m_toplevels.clear();
     if (m_manager)
         zwlr_foreign_toplevel_manager_v1_destroy(m_manager);
-    if (m_registry)
-        wl_registry_destroy(m_registry);
-    if (m_display)
-        wl_display_disconnect(m_display);
     m_manager = nullptr;
-    m_registry = nullptr;
-    m_display = nullptr;
 }
