@@ -444,6 +444,25 @@ class WaylandTest : public QObject {
         return said;
     }
 
+    // One escape from the break of `instance`, done by `act`: the break reacts (its window kept,
+    // put back, or the focus taken back; a workspace switch takes the focus too) and every output
+    // of `screen` is covered again within 2 s.
+    void escapeIsUndone(const Instance& instance, const QString& what, const std::function<void()>& act,
+                        const std::function<QImage()>& screen)
+    {
+        const auto reactions = [&instance] {
+            const QString log = instance.log();
+            return log.count(" stays: closing it does not end the break") + log.count(" put back: ") +
+                   log.count("took the focus back");
+        };
+        const qsizetype before = reactions();
+        act();
+        QTRY_VERIFY2_WITH_TIMEOUT(reactions() > before, qPrintable(what + "\n" + instance.log().right(900)),
+                                  5000);
+        QTRY_VERIFY2_WITH_TIMEOUT(whitePoints(screen()) == int(edgesOfBothOutputs().size()), qPrintable(what),
+                                  2000);
+    }
+
     // Another program: a window full screen and black all over, on the compositor at `socketName`.
     void startAnotherProgram(QProcess& other, const QString& home, const QString& socketName) const
     {
@@ -562,21 +581,13 @@ private slots:
         const int all = int(edgesOfBothOutputs().size());
         QTRY_COMPARE_WITH_TIMEOUT(covered(), all, 15000);
         swayScreen().save(QDir::current().filePath("sway-two-outputs.png"));
-        // What the break did about each: the window kept, put back, or the focus taken back
-        // (a workspace switch takes the focus too).
-        const auto reactions = [&instance] {
-            const QString log = instance.log();
-            return log.count(" stays: closing it does not end the break") + log.count(" put back: ") +
-                   log.count("took the focus back");
-        };
         for (const QString& command :
              QStringList{"kill", "fullscreen disable", "workspace number 3",
                          "move container to workspace number 4", "move container to output right"}) {
-            const qsizetype before = reactions();
-            swaymsg(command.split(' '));
-            QTRY_VERIFY2_WITH_TIMEOUT(reactions() > before,
-                                      qPrintable(command + "\n" + instance.log().right(900)), 5000);
-            QTRY_VERIFY2_WITH_TIMEOUT(covered() == all, qPrintable(command), 2000);
+            escapeIsUndone(
+                instance, command, [&] { swaymsg(command.split(' ')); }, [this] { return swayScreen(); });
+            if (QTest::currentTestFailed())
+                return;
         }
         QVERIFY(status(instance).startsWith("break "));
     }
@@ -589,29 +600,25 @@ private slots:
         const int all = int(edgesOfBothOutputs().size());
         QTRY_COMPARE_WITH_TIMEOUT(covered(), all, 15000);
         kwinScreen().save(QDir::current().filePath("kwin-two-outputs.png"));
-        const auto reactions = [&instance] {
-            const QString log = instance.log();
-            return log.count(" stays: closing it does not end the break") + log.count(" put back: ") +
-                   log.count("took the focus back");
-        };
-        const auto escape = [&](const QString& what, const std::function<void()>& act) {
-            const qsizetype before = reactions();
-            act();
-            QTRY_VERIFY2_WITH_TIMEOUT(reactions() > before,
-                                      qPrintable(what + "\n" + instance.log().right(900)), 5000);
-            QTRY_VERIFY2_WITH_TIMEOUT(covered() == all, qPrintable(what), 2000);
-        };
-        escape("another virtual desktop (Ctrl+F2)", [] { kwinDesktopCall("setCurrentDesktop", {2}); });
-        QCOMPARE(kwinDesktopCall("currentDesktop").arguments().value(0).toInt(), 2);
-        escape("close (Alt+F4)", [] { kwinAction("Window Close"); });
-        escape("minimise", [] { kwinAction("Window Minimize"); });
-        // A program started during the break, full screen.
+        const auto screen = [this] { return kwinScreen(); };
         QProcess other;
         QTemporaryDir otherHome;
-        escape("a new full-screen window", [&] {
-            startAnotherProgram(other, otherHome.path(), kwinSocket);
-            QVERIFY(other.waitForStarted());
-        });
+        const QList<std::pair<QString, std::function<void()>>> escapes = {
+            {"another virtual desktop (Ctrl+F2)",
+             [] {
+                 kwinDesktopCall("setCurrentDesktop", {2});
+                 QCOMPARE(kwinDesktopCall("currentDesktop").arguments().value(0).toInt(), 2);
+             }},
+            {"close (Alt+F4)", [] { kwinAction("Window Close"); }},
+            {"minimise", [] { kwinAction("Window Minimize"); }},
+            // A program started during the break, full screen.
+            {"a new full-screen window", [&] { startAnotherProgram(other, otherHome.path(), kwinSocket); }},
+        };
+        for (const auto& [what, act] : escapes) {
+            escapeIsUndone(instance, what, act, screen);
+            if (QTest::currentTestFailed())
+                return;
+        }
         QVERIFY(other.state() == QProcess::Running);
         QVERIFY(status(instance).startsWith("break "));
         other.kill();

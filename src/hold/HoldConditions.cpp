@@ -35,23 +35,24 @@ std::unique_ptr<HoldSource> HoldConditions::make()
         else
             delete fullScreen;
     } else {
-        auto* toplevels = new ToplevelListHoldSource(QGuiApplication::desktopFileName());
-        if (toplevels->start()) {
+        // The first window list the compositor offers: wlroots', then KWin's.
+        WindowListHoldSource* windowList = nullptr;
+        for (WindowListHoldSource* candidate : std::initializer_list<WindowListHoldSource*>{
+                 new ToplevelListHoldSource(QGuiApplication::desktopFileName()),
+                 new PlasmaWindowListHoldSource(QGuiApplication::desktopFileName())}) {
+            if (!windowList && candidate->start())
+                windowList = candidate;
+            else
+                delete candidate;
+        }
+        if (windowList) {
             logger().info(QStringLiteral("breaks are held for full-screen windows through the compositor's "
-                                         "window list (zwlr_foreign_toplevel_manager_v1)"));
-            conditions << toplevels;
+                                         "window list (%1)")
+                              .arg(QLatin1String(windowList->protocol())));
+            conditions << windowList;
         } else {
-            delete toplevels;
-            auto* plasmaWindows = new PlasmaWindowListHoldSource(QGuiApplication::desktopFileName());
-            if (plasmaWindows->start()) {
-                logger().info(QStringLiteral("breaks are held for full-screen windows through the "
-                                             "compositor's window list (org_kde_plasma_window_management)"));
-                conditions << plasmaWindows;
-            } else {
-                delete plasmaWindows;
-                logger().info(QStringLiteral("breaks are not held for full-screen windows here: the "
-                                             "compositor shows no program another's windows"));
-            }
+            logger().info(QStringLiteral("breaks are not held for full-screen windows here: the compositor "
+                                         "shows no program another's windows"));
         }
     }
 

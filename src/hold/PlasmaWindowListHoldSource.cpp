@@ -12,7 +12,9 @@ namespace {
 
 using Source = PlasmaWindowListHoldSource;
 
-// Version 4 brought the window's destructor; the events this side reads are all older.
+// Windows are read as announced by their id (`window`); the later versions add announcements
+// by uuid, which this side does not need, so it binds no newer than 11. Version 4 brought the
+// window's destructor.
 constexpr unsigned knownVersion = 11;
 
 void titleChanged(void*, org_kde_plasma_window*, const char*) {}

@@ -17,6 +17,8 @@ public:
     explicit PlasmaWindowListHoldSource(QString ownAppId, QObject* parent = nullptr);
     ~PlasmaWindowListHoldSource() override;
 
+    const char* protocol() const override { return "org_kde_plasma_window_management"; }
+
     // Called by the Wayland listeners.
     struct Window {
         QString appId;

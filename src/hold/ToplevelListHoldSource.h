@@ -17,6 +17,8 @@ public:
     explicit ToplevelListHoldSource(QString ownAppId, QObject* parent = nullptr);
     ~ToplevelListHoldSource() override;
 
+    const char* protocol() const override { return "zwlr_foreign_toplevel_manager_v1"; }
+
     // Called by the Wayland listeners.
     struct Toplevel {
         QString appId;

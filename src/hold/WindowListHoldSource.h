@@ -21,6 +21,9 @@ public:
 
     QString reason() const override;
 
+    // The protocol's name, for the log.
+    virtual const char* protocol() const = 0;
+
     // Called by the registry's listener for each global the compositor offers.
     virtual void bind(wl_registry* registry, unsigned name, const char* interface, unsigned version) = 0;
 
