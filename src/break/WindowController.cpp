@@ -5,6 +5,7 @@
 #include "IconFont.h"
 #include "QmlEngine.h"
 #include "ReducedMotion.h"
+#include "WaylandOverlayLayer.h"
 #include "WaylandShortcutsInhibitor.h"
 #include "X11WindowHints.h"
 #include "appinfo/AppInfo.h"
@@ -97,6 +98,17 @@ void present(QQuickWindow* window)
     WaylandShortcutsInhibitor::inhibit(window);
 }
 
+// A break window whose surface the compositor took away opens anew while the break lasts.
+void reopenClosed(QWindow* window)
+{
+    if (!breakShown || !window->isVisible())
+        return;
+    logger().info(QStringLiteral("the break window ") + screenKeyOf(window) +
+                  QStringLiteral(" put back: closed by the compositor"));
+    window->hide();
+    present(static_cast<QQuickWindow*>(window));
+}
+
 QQuickItem* makeBreakView()
 {
     QObject* view =
@@ -134,6 +146,7 @@ QQuickWindow* newBreakWindow(const QRect& frame, const QString& key, QScreen* sc
     X11WindowHints::keepRole(window, QStringLiteral("break-") + key);
     window->setScreen(screen);
     window->setGeometry(frame);
+    WaylandOverlayLayer::adopt(window, reopenClosed);
     return window;
 }
 

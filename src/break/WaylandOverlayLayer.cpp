@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "WaylandOverlayLayer.h"
+
+#include "logging/Logger.h"
+#include "wlr-layer-shell-unstable-v1-client-protocol.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QHash>
+#include <QScreen>
+#include <QWindow>
+#include <cstring>
+#include <qpa/qplatformnativeinterface.h>
+#include <wayland-client.h>
+
+namespace WaylandOverlayLayer {
+namespace {
+
+// The layer shell, bound once on Qt's own connection, on an event queue of ours: its events are
+// read when we ask for them, never by Qt's handlers.
+struct Shell {
+    bool lookedFor = false;
+    wl_event_queue* queue = nullptr;
+    zwlr_layer_shell_v1* shell = nullptr;
+};
+Shell bound;
+
+void global(void* data, wl_registry* registry, uint32_t name, const char* interface, uint32_t /*version*/)
+{
+    auto* found = static_cast<Shell*>(data);
+    if (!found->shell && std::strcmp(interface, zwlr_layer_shell_v1_interface.name) == 0)
+        found->shell = static_cast<zwlr_layer_shell_v1*>(
+            wl_registry_bind(registry, name, &zwlr_layer_shell_v1_interface, 1));
+}
+
+void globalRemoved(void* /*data*/, wl_registry* /*registry*/, uint32_t /*name*/) {}
+
+const wl_registry_listener registryListener{global, globalRemoved};
+
+QPlatformNativeInterface* nativeWayland()
+{
+    if (!QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        return nullptr;
+    return QGuiApplication::platformNativeInterface();
+}
+
+wl_display* display(QPlatformNativeInterface* native)
+{
+    return static_cast<wl_display*>(native->nativeResourceForIntegration(QByteArrayLiteral("wl_display")));
+}
+
+zwlr_layer_shell_v1* shell()
+{
+    if (std::exchange(bound.lookedFor, true))
+        return bound.shell;
+    QPlatformNativeInterface* native = nativeWayland();
+    wl_display* connection = native ? display(native) : nullptr;
+    if (!connection)
+        return nullptr;
+    bound.queue = wl_display_create_queue(connection);
+    auto* wrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(connection));
+    wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(wrapper), bound.queue);
+    wl_registry* registry = wl_display_get_registry(wrapper);
+    wl_proxy_wrapper_destroy(wrapper);
+    wl_registry_add_listener(registry, &registryListener, &bound);
+    wl_display_roundtrip_queue(connection, bound.queue);
+    wl_registry_destroy(registry);
+    if (bound.shell)
+        logger().info(QStringLiteral("breaks cover the screens from the compositor's overlay layer"));
+    else
+        logger().info(QStringLiteral("breaks cover the screens as full-screen windows: the compositor offers "
+                                     "no overlay layer"));
+    return bound.shell;
+}
+
+std::function<void(QWindow*)> whenClosed;
+
+// One window's layer surface, for the Wayland surface Qt made at its last show.
+struct Layer {
+    wl_surface* surface = nullptr;
+    zwlr_layer_surface_v1* layer = nullptr;
+    QWindow* window = nullptr;
+};
+
+void configure(void* data, zwlr_layer_surface_v1* layer, uint32_t serial, uint32_t width, uint32_t height)
+{
+    zwlr_layer_surface_v1_ack_configure(layer, serial);
+    QWindow* window = static_cast<Layer*>(data)->window;
+    const QSize size{int(width), int(height)};
+    if (!size.isEmpty() && window->size() != size)
+        QMetaObject::invokeMethod(
+            window, [window, size] { window->resize(size); }, Qt::QueuedConnection);
+}
+
+void closed(void* data, zwlr_layer_surface_v1* /*layer*/)
+{
+    // Out of Qt's reading of the connection: the window opens anew once that is over.
+    QWindow* window = static_cast<Layer*>(data)->window;
+    QMetaObject::invokeMethod(
+        window, [window] { whenClosed(window); }, Qt::QueuedConnection);
+}
+
+const zwlr_layer_surface_v1_listener layerListener{configure, closed};
+
+// Gives each new surface of an adopted window its place on the overlay layer, before Qt draws
+// into it: Qt makes a surface at every show, and its first frame follows the expose.
+class Placer : public QObject {
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        auto* window = qobject_cast<QWindow*>(watched);
+        if (!window)
+            return false;
+        if (event->type() == QEvent::Expose && window->isVisible())
+            place(window);
+        else if (event->type() == QEvent::Hide)
+            forget(window);
+        return false;
+    }
+
+    QHash<QWindow*, Layer*> layers;
+
+private:
+    void place(QWindow* window)
+    {
+        QPlatformNativeInterface* native = nativeWayland();
+        if (!native)
+            return;
+        wl_display* connection = display(native);
+        auto* surface =
+            static_cast<wl_surface*>(native->nativeResourceForWindow(QByteArrayLiteral("surface"), window));
+        if (!connection || !surface)
+            return;
+        Layer*& own = layers[window];
+        if (own && own->surface == surface)
+            return;
+        forget(window);
+        own = new Layer{surface, nullptr, window};
+        auto* output = window->screen() ? static_cast<wl_output*>(native->nativeResourceForScreen(
+                                              QByteArrayLiteral("output"), window->screen()))
+                                        : nullptr;
+        own->layer = zwlr_layer_shell_v1_get_layer_surface(
+            bound.shell, surface, output, ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "lulltide-break");
+        zwlr_layer_surface_v1_add_listener(own->layer, &layerListener, own);
+        zwlr_layer_surface_v1_set_anchor(
+            own->layer, ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM |
+                            ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT | ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT);
+        // Over the panels too: no other surface's reserved space moves the break.
+        zwlr_layer_surface_v1_set_exclusive_zone(own->layer, -1);
+        zwlr_layer_surface_v1_set_keyboard_interactivity(
+            own->layer, ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
+        // The compositor answers the first commit, made without a frame, with the surface's size;
+        // the frame Qt draws next is acknowledged by then.
+        wl_surface_commit(surface);
+        wl_display_roundtrip_queue(connection, bound.queue);
+        // Later news (another size, the surface closed) comes as Qt reads its connection.
+        wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(own->layer), nullptr);
+    }
+
+    void forget(QWindow* window)
+    {
+        if (Layer* own = std::exchange(layers[window], nullptr)) {
+            zwlr_layer_surface_v1_destroy(own->layer);
+            delete own;
+        }
+    }
+};
+
+Placer* placer()
+{
+    static auto* placer = new Placer;
+    return placer;
+}
+
+} // namespace
+
+bool adopt(QWindow* window, std::function<void(QWindow*)> closed)
+{
+    if (!nativeWayland() || !shell())
+        return false;
+    // Qt makes no window role of its own for a window that bypasses the window manager, where
+    // this is set.
+    qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
+    window->setFlag(Qt::BypassWindowManagerHint);
+    window->installEventFilter(placer());
+    placer()->layers.insert(window, nullptr);
+    whenClosed = std::move(closed);
+    return true;
+}
+
+} // namespace WaylandOverlayLayer
