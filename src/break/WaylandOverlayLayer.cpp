@@ -82,14 +82,13 @@ struct Layer {
     QWindow* window = nullptr;
 };
 
-void configure(void* data, zwlr_layer_surface_v1* layer, uint32_t serial, uint32_t width, uint32_t height)
+// The size needs no answer: the window already has its screen's (at a fractional scale one
+// logical pixel more, to reach the monitor's edge), and the anchors keep the surface on the
+// whole output.
+void configure(void* /*data*/, zwlr_layer_surface_v1* layer, uint32_t serial, uint32_t /*width*/,
+               uint32_t /*height*/)
 {
     zwlr_layer_surface_v1_ack_configure(layer, serial);
-    QWindow* window = static_cast<Layer*>(data)->window;
-    const QSize size{int(width), int(height)};
-    if (!size.isEmpty() && window->size() != size)
-        QMetaObject::invokeMethod(
-            window, [window, size] { window->resize(size); }, Qt::QueuedConnection);
 }
 
 void closed(void* data, zwlr_layer_surface_v1* /*layer*/)
@@ -147,14 +146,20 @@ private:
                             ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT | ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT);
         // Over the panels too: no other surface's reserved space moves the break.
         zwlr_layer_surface_v1_set_exclusive_zone(own->layer, -1);
+        // The keyboard belongs to the primary screen's break, as on X11: where several surfaces
+        // ask for it, the compositor would choose.
         zwlr_layer_surface_v1_set_keyboard_interactivity(
-            own->layer, ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
+            own->layer, window->screen() == QGuiApplication::primaryScreen()
+                            ? ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE
+                            : ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_NONE);
         // The compositor answers the first commit, made without a frame, with the surface's size;
         // the frame Qt draws next is acknowledged by then.
         wl_surface_commit(surface);
         wl_display_roundtrip_queue(connection, bound.queue);
-        // Later news (another size, the surface closed) comes as Qt reads its connection.
+        // Later news (another size, the surface closed) comes as Qt reads its connection; what
+        // came in since the roundtrip is read now.
         wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(own->layer), nullptr);
+        wl_display_dispatch_queue_pending(connection, bound.queue);
     }
 
     void forget(QWindow* window)

@@ -98,11 +98,18 @@ void present(QQuickWindow* window)
     WaylandShortcutsInhibitor::inhibit(window);
 }
 
-// A break window whose surface the compositor took away opens anew while the break lasts.
+QScreen* ownScreen(const QQuickWindow* window);
+
+// A break window whose surface the compositor took away opens anew while the break lasts; one
+// whose screen went away goes with it.
 void reopenClosed(QWindow* window)
 {
     if (!breakShown || !window->isVisible())
         return;
+    if (!ownScreen(static_cast<QQuickWindow*>(window))) {
+        window->hide();
+        return;
+    }
     logger().info(QStringLiteral("the break window ") + screenKeyOf(window) +
                   QStringLiteral(" put back: closed by the compositor"));
     window->hide();
