@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "WaylandOverlayLayer.h"
 
+#include "QtWaylandConnection.h"
 #include "logging/Logger.h"
 #include "wlr-layer-shell-unstable-v1-client-protocol.h"
 
@@ -9,7 +10,6 @@
 #include <QHash>
 #include <QScreen>
 #include <QWindow>
-#include <cstring>
 #include <qpa/qplatformnativeinterface.h>
 #include <wayland-client.h>
 
@@ -25,46 +25,14 @@ struct Shell {
 };
 Shell bound;
 
-void global(void* data, wl_registry* registry, uint32_t name, const char* interface, uint32_t /*version*/)
-{
-    auto* found = static_cast<Shell*>(data);
-    if (!found->shell && std::strcmp(interface, zwlr_layer_shell_v1_interface.name) == 0)
-        found->shell = static_cast<zwlr_layer_shell_v1*>(
-            wl_registry_bind(registry, name, &zwlr_layer_shell_v1_interface, 1));
-}
-
-void globalRemoved(void* /*data*/, wl_registry* /*registry*/, uint32_t /*name*/) {}
-
-const wl_registry_listener registryListener{global, globalRemoved};
-
-QPlatformNativeInterface* nativeWayland()
-{
-    if (!QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
-        return nullptr;
-    return QGuiApplication::platformNativeInterface();
-}
-
-wl_display* display(QPlatformNativeInterface* native)
-{
-    return static_cast<wl_display*>(native->nativeResourceForIntegration(QByteArrayLiteral("wl_display")));
-}
-
 zwlr_layer_shell_v1* shell()
 {
     if (std::exchange(bound.lookedFor, true))
         return bound.shell;
-    QPlatformNativeInterface* native = nativeWayland();
-    wl_display* connection = native ? display(native) : nullptr;
-    if (!connection)
+    if (!QtWaylandConnection::display())
         return nullptr;
-    bound.queue = wl_display_create_queue(connection);
-    auto* wrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(connection));
-    wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(wrapper), bound.queue);
-    wl_registry* registry = wl_display_get_registry(wrapper);
-    wl_proxy_wrapper_destroy(wrapper);
-    wl_registry_add_listener(registry, &registryListener, &bound);
-    wl_display_roundtrip_queue(connection, bound.queue);
-    wl_registry_destroy(registry);
+    bound.shell = static_cast<zwlr_layer_shell_v1*>(
+        QtWaylandConnection::bind(zwlr_layer_shell_v1_interface, 1, bound.queue));
     if (bound.shell)
         logger().info(QStringLiteral("breaks cover the screens from the compositor's overlay layer"));
     else
@@ -122,10 +90,10 @@ public:
 private:
     void place(QWindow* window)
     {
-        QPlatformNativeInterface* native = nativeWayland();
+        QPlatformNativeInterface* native = QtWaylandConnection::native();
         if (!native)
             return;
-        wl_display* connection = display(native);
+        wl_display* connection = QtWaylandConnection::display();
         auto* surface =
             static_cast<wl_surface*>(native->nativeResourceForWindow(QByteArrayLiteral("surface"), window));
         if (!connection || !surface)
@@ -181,7 +149,7 @@ Placer* placer()
 
 bool adopt(QWindow* window, std::function<void(QWindow*)> closed)
 {
-    if (!nativeWayland() || !shell())
+    if (!shell())
         return false;
     // Qt makes no window role of its own for a window that bypasses the window manager, where
     // this is set.

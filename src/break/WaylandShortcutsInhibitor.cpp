@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "WaylandShortcutsInhibitor.h"
 
+#include "QtWaylandConnection.h"
 #include "keyboard-shortcuts-inhibit-unstable-v1-client-protocol.h"
 #include "logging/Logger.h"
 
-#include <QGuiApplication>
 #include <QHash>
 #include <QWindow>
-#include <cstring>
 #include <qpa/qplatformnativeinterface.h>
 #include <wayland-client.h>
 
@@ -24,43 +23,12 @@ struct Manager {
 Manager bound;
 QHash<QWindow*, zwp_keyboard_shortcuts_inhibitor_v1*> inhibitors;
 
-void global(void* data, wl_registry* registry, uint32_t name, const char* interface, uint32_t /*version*/)
-{
-    auto* found = static_cast<Manager*>(data);
-    if (!found->manager &&
-        std::strcmp(interface, zwp_keyboard_shortcuts_inhibit_manager_v1_interface.name) == 0)
-        found->manager = static_cast<zwp_keyboard_shortcuts_inhibit_manager_v1*>(
-            wl_registry_bind(registry, name, &zwp_keyboard_shortcuts_inhibit_manager_v1_interface, 1));
-}
-
-void globalRemoved(void* /*data*/, wl_registry* /*registry*/, uint32_t /*name*/) {}
-
-const wl_registry_listener registryListener{global, globalRemoved};
-
-QPlatformNativeInterface* nativeWayland()
-{
-    if (!QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
-        return nullptr;
-    return QGuiApplication::platformNativeInterface();
-}
-
-wl_display* display(QPlatformNativeInterface* native)
-{
-    return static_cast<wl_display*>(native->nativeResourceForIntegration(QByteArrayLiteral("wl_display")));
-}
-
-zwp_keyboard_shortcuts_inhibit_manager_v1* manager(wl_display* connection)
+zwp_keyboard_shortcuts_inhibit_manager_v1* manager()
 {
     if (std::exchange(bound.lookedFor, true))
         return bound.manager;
-    bound.queue = wl_display_create_queue(connection);
-    auto* wrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(connection));
-    wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(wrapper), bound.queue);
-    wl_registry* registry = wl_display_get_registry(wrapper);
-    wl_proxy_wrapper_destroy(wrapper);
-    wl_registry_add_listener(registry, &registryListener, &bound);
-    wl_display_roundtrip_queue(connection, bound.queue);
-    wl_registry_destroy(registry);
+    bound.manager = static_cast<zwp_keyboard_shortcuts_inhibit_manager_v1*>(
+        QtWaylandConnection::bind(zwp_keyboard_shortcuts_inhibit_manager_v1_interface, 1, bound.queue));
     if (bound.manager)
         logger().info(
             QStringLiteral("the compositor's own key bindings wait while a break has the keyboard"));
@@ -75,14 +43,14 @@ zwp_keyboard_shortcuts_inhibit_manager_v1* manager(wl_display* connection)
 
 void inhibit(QWindow* window)
 {
-    QPlatformNativeInterface* native = nativeWayland();
+    QPlatformNativeInterface* native = QtWaylandConnection::native();
     if (!native)
         return;
-    wl_display* connection = display(native);
+    wl_display* connection = QtWaylandConnection::display();
     auto* seat = static_cast<wl_seat*>(native->nativeResourceForIntegration(QByteArrayLiteral("wl_seat")));
     auto* surface =
         static_cast<wl_surface*>(native->nativeResourceForWindow(QByteArrayLiteral("surface"), window));
-    if (!connection || !seat || !surface || !manager(connection))
+    if (!connection || !seat || !surface || !manager())
         return;
     // The surface the last inhibitor was for may be gone with a hide: one inhibitor per window,
     // made anew (a second one for a surface would be a protocol error).
@@ -95,13 +63,12 @@ void inhibit(QWindow* window)
 
 void releaseAll()
 {
-    QPlatformNativeInterface* native = nativeWayland();
-    if (!native || inhibitors.isEmpty())
+    if (inhibitors.isEmpty())
         return;
     for (zwp_keyboard_shortcuts_inhibitor_v1* inhibitor : std::as_const(inhibitors))
         zwp_keyboard_shortcuts_inhibitor_v1_destroy(inhibitor);
     inhibitors.clear();
-    if (wl_display* connection = display(native)) {
+    if (wl_display* connection = QtWaylandConnection::display()) {
         wl_display_flush(connection);
         // The inhibitors' "active" and "inactive" events, unlistened to, leave our queue.
         wl_display_dispatch_queue_pending(connection, bound.queue);
