@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/BlackWindow.h"
+#include "support/CoveredOutputs.h"
 #include "support/FakeInput.h"
 #include "support/TestMain.h"
 
@@ -20,7 +22,6 @@
 #include <QJsonObject>
 #include <QPainter>
 #include <QProcess>
-#include <QRasterWindow>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -32,29 +33,6 @@
 
 namespace {
 
-// Another program's window: black all over, so that any part of it above a break shows. Says
-// "shown WxH" once the compositor has shown a frame of a new size: Qt draws the frame asked for
-// next only after the compositor's frame callback for the last.
-class BlackWindow : public QRasterWindow {
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override
-    {
-        QPainter(this).fillRect(QRect(QPoint(), size()), Qt::black);
-        if (m_drawn != size()) {
-            m_drawn = size();
-            requestUpdate();
-        } else if (m_said != size()) {
-            m_said = size();
-            std::printf("shown %dx%d\n", m_said.width(), m_said.height());
-            std::fflush(stdout);
-        }
-    }
-
-private:
-    QSize m_drawn;
-    QSize m_said;
-};
-
 // Runs the application on Qt's offscreen platform (so the compositor's idle notifications are
 // its only view of the person) with an idle timeout of 0.6 s: prints when the cycle stops and
 // when a pointer move through the compositor starts it again.
@@ -62,10 +40,7 @@ int childMain(const QByteArray& mode)
 {
     if (mode == "full-screen-window") {
         // Another program, full screen: a plain window of the test's own.
-        BlackWindow window;
-        window.setTitle("another program");
-        window.showFullScreen();
-        return QGuiApplication::exec();
+        return BlackWindow::runFullScreen();
     }
     if (mode != "idle-cycle" && mode != "idle-never")
         return 2;
@@ -124,13 +99,7 @@ class WaylandTest : public QObject {
 
     QProcessEnvironment onWayland(const QString& home) const
     {
-        QProcessEnvironment environment = TestSupport::environmentWithHome(home);
-        environment.insert("XDG_RUNTIME_DIR", runtime.path());
-        environment.insert("WAYLAND_DISPLAY", socket);
-        environment.insert("QT_QPA_PLATFORM", "wayland");
-        environment.remove("DISPLAY");
-        environment.insert("LC_ALL", "C.UTF-8");
-        return environment;
+        return TestSupport::waylandClientWithHome(home, runtime.path(), socket);
     }
 
     QString run(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment)
@@ -178,26 +147,6 @@ class WaylandTest : public QObject {
         QFile::remove(shot);
         onX("import", {"-window", "root", "-crop", "2560x800+0+0", "+repage", shot});
         return QImage(shot);
-    }
-
-    // The corners and the middle of the left edge of each output: a window covers an output
-    // only when all of them show it.
-    static QList<QPoint> edgesOfBothOutputs()
-    {
-        QList<QPoint> points;
-        for (int left : {0, 1280})
-            for (QPoint point :
-                 {QPoint(2, 2), QPoint(1277, 2), QPoint(2, 797), QPoint(1277, 797), QPoint(2, 400)})
-                points << point + QPoint(left, 0);
-        return points;
-    }
-
-    static int whitePoints(const QImage& image)
-    {
-        int white = 0;
-        for (QPoint point : edgesOfBothOutputs())
-            white += image.pixel(point) == qRgb(255, 255, 255) ? 1 : 0;
-        return white;
     }
 
     // KWin on two virtual outputs side by side, with two virtual desktops: the Wayland compositor
@@ -462,28 +411,6 @@ class WaylandTest : public QObject {
         return said;
     }
 
-    // Every output of `screen` shows the break within 2 s from now. Timed by when each look was
-    // asked for, not when its pixels arrived: reading both outputs back takes a while of its own
-    // on a loaded machine.
-    void coveredWithin2s(const Instance& instance, const QString& what, const std::function<QImage()>& screen)
-    {
-        QElapsedTimer since;
-        since.start();
-        qint64 asked = 0;
-        bool covered = false;
-        while (!covered && asked <= 2000) {
-            asked = since.elapsed();
-            covered = whitePoints(screen()) == int(edgesOfBothOutputs().size());
-            if (!covered)
-                QTest::qWait(50);
-        }
-        QVERIFY2(covered && asked <= 2000,
-                 qPrintable(QStringLiteral("%1: an output still uncovered after %2 ms\n%3")
-                                .arg(what)
-                                .arg(asked)
-                                .arg(instance.log().right(900))));
-    }
-
     // Another program: a window full screen and black all over, on the compositor at `socketName`.
     void startAnotherProgram(QProcess& other, const QString& home, const QString& socketName) const
     {
@@ -563,9 +490,10 @@ private slots:
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n");
         QTest::qWait(500);
-        QCOMPARE(whitePoints(screen()), 0); // the compositor's own background
+        QCOMPARE(CoveredOutputs::whitePoints(screen()), 0); // the compositor's own background
         QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 10000);
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), int(edgesOfBothOutputs().size()), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(screen()), int(CoveredOutputs::edges().size()),
+                                  5000);
         // Kept in the build folder for a person to look at.
         screen().save(QDir::current().filePath("wayland-two-outputs.png"));
     }
@@ -575,9 +503,10 @@ private slots:
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n");
         QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 10000);
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), int(edgesOfBothOutputs().size()), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(screen()), int(CoveredOutputs::edges().size()),
+                                  5000);
         run(LULLTIDE_BINARY, {"--pause"}, onWayland(instance.home.path()));
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), 0, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(screen()), 0, 5000);
         QCOMPARE(status(instance), "paused");
     }
 
@@ -587,7 +516,8 @@ private slots:
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n");
         QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 10000);
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), int(edgesOfBothOutputs().size()), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(screen()), int(CoveredOutputs::edges().size()),
+                                  5000);
         instance.process.terminate();
         QVERIFY(instance.process.waitForFinished(5000));
         const QString errors = QString::fromUtf8(instance.process.readAllStandardError());
@@ -598,8 +528,8 @@ private slots:
     {
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n", swayDisplay);
-        const auto covered = [this] { return whitePoints(swayScreen()); };
-        const int all = int(edgesOfBothOutputs().size());
+        const auto covered = [this] { return CoveredOutputs::whitePoints(swayScreen()); };
+        const int all = int(CoveredOutputs::edges().size());
         QTRY_COMPARE_WITH_TIMEOUT(covered(), all, 15000);
         QVERIFY(instance.log().contains("breaks cover the screens from the compositor's overlay layer"));
 
@@ -683,8 +613,8 @@ private slots:
     {
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n", kwinSocket);
-        const auto covered = [this] { return whitePoints(kwinScreen()); };
-        const int all = int(edgesOfBothOutputs().size());
+        const auto covered = [this] { return CoveredOutputs::whitePoints(kwinScreen()); };
+        const int all = int(CoveredOutputs::edges().size());
         QTRY_COMPARE_WITH_TIMEOUT(covered(), all, 15000);
         QVERIFY(instance.log().contains("breaks cover the screens from the compositor's overlay layer"));
 
@@ -724,7 +654,7 @@ private slots:
         // one (it closes it): then the break opens it anew.
         for (const auto& [what, act] : escapes) {
             QVERIFY2(act(), qPrintable(what + ": KWin did not do it"));
-            coveredWithin2s(instance, what, [this] { return kwinScreen(); });
+            CoveredOutputs::within2s(instance, what, [this] { return kwinScreen(); });
             if (QTest::currentTestFailed())
                 return;
         }
@@ -741,8 +671,8 @@ private slots:
     {
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n", swayDisplay);
-        const int all = int(edgesOfBothOutputs().size());
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(swayScreen()), all, 15000);
+        const int all = int(CoveredOutputs::edges().size());
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(swayScreen()), all, 15000);
         QTRY_VERIFY_WITH_TIMEOUT(
             instance.log().contains("the compositor's own key bindings wait while a break has "
                                     "the keyboard"),
@@ -754,11 +684,11 @@ private slots:
         QCOMPARE(focusedSwayWorkspace(), workspace);
         QVERIFY2(!instance.log().contains(" put back: ") && !instance.log().contains("took the focus back"),
                  qPrintable(instance.log().right(900)));
-        QCOMPARE(whitePoints(swayScreen()), all);
+        QCOMPARE(CoveredOutputs::whitePoints(swayScreen()), all);
 
         // After the break the keys are sway's again.
         run(LULLTIDE_BINARY, {"--skip"}, onWayland(instance.home.path()));
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(swayScreen()), 0, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(swayScreen()), 0, 10000);
         QVERIFY(pressSuper9OnSway());
         QCOMPARE(focusedSwayWorkspace(), QString("9"));
         swaymsg({"workspace", "number", workspace});
@@ -768,8 +698,8 @@ private slots:
     {
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n");
-        const int all = int(edgesOfBothOutputs().size());
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), all, 15000);
+        const int all = int(CoveredOutputs::edges().size());
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(screen()), all, 15000);
         QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 5000);
         QProcess terminal;
         QProcessEnvironment environment = onWayland(instance.home.path());
@@ -778,7 +708,7 @@ private slots:
         QVERIFY(terminal.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("the break took the focus back from another window"),
                                  5000);
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(screen()), all, 2000);
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(screen()), all, 2000);
         terminal.kill();
         terminal.waitForFinished();
     }
@@ -800,11 +730,12 @@ private slots:
         // Due after three seconds of work, and held.
         QTRY_VERIFY2_WITH_TIMEOUT(status(instance).startsWith("held "),
                                   qPrintable(status(instance) + instance.log().right(600)), 15000);
-        QCOMPARE(whitePoints(swayScreen()), 0);
+        QCOMPARE(CoveredOutputs::whitePoints(swayScreen()), 0);
         swaymsg({"fullscreen", "disable"});
         // The break follows the hold's ten seconds of notice.
         QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 30000);
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(swayScreen()), int(edgesOfBothOutputs().size()), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(swayScreen()),
+                                  int(CoveredOutputs::edges().size()), 5000);
         other.kill();
         other.waitForFinished();
     }
@@ -816,7 +747,7 @@ private slots:
         startAnotherProgram(other, otherHome.path(), kwinSocket);
         QVERIFY(other.waitForStarted());
         // Full screen on one output: that output all black.
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(kwinScreen()), 0, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(kwinScreen()), 0, 10000);
 
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\nhold_breaks=true\n", kwinSocket);
@@ -826,11 +757,12 @@ private slots:
             5000);
         QTRY_VERIFY2_WITH_TIMEOUT(status(instance).startsWith("held "),
                                   qPrintable(status(instance) + instance.log().right(600)), 15000);
-        QCOMPARE(whitePoints(kwinScreen()), 0);
+        QCOMPARE(CoveredOutputs::whitePoints(kwinScreen()), 0);
         kwinAction("Window Fullscreen"); // the other program's window, active, leaves full screen
         // The break follows the hold's ten seconds of notice.
         QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 30000);
-        QTRY_COMPARE_WITH_TIMEOUT(whitePoints(kwinScreen()), int(edgesOfBothOutputs().size()), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(kwinScreen()),
+                                  int(CoveredOutputs::edges().size()), 5000);
         other.kill();
         other.waitForFinished();
     }

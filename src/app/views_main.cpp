@@ -14,8 +14,7 @@
 
 namespace {
 
-template <typename Child, typename Application>
-int run(int argc, char* argv[])
+template <typename Child, typename Application> int run(int argc, char* argv[])
 {
     Application app(argc, argv);
     ApplicationLook::nameTheApplication();
@@ -31,8 +30,10 @@ int run(int argc, char* argv[])
 int main(int argc, char* argv[])
 {
     BusExitOrder::keepTypesPastTheBusThread();
-    if (argc == 2 && std::strcmp(argv[1], "--break-screen") == 0)
+    if (argc == 2 && std::strcmp(argv[1], "--break-screen") == 0) {
+        BreakScreenChild::prepareProcess();
         return run<BreakScreenChild, QGuiApplication>(argc, argv);
+    }
     // The History tab's chart is drawn by Qt Charts, which rests on Qt Widgets.
     if (argc == 2 && std::strcmp(argv[1], "--settings-window") == 0)
         return run<SettingsChild, QApplication>(argc, argv);

@@ -16,6 +16,19 @@ BreakScreenChild::~BreakScreenChild()
     QmlEngine::deleteWindows();
 }
 
+void BreakScreenChild::prepareProcess()
+{
+    // Qt's Wayland platform takes a window for hidden when the compositor's frame callback is
+    // 100 ms late, and the break would then put back a window that never went: GNOME Shell is
+    // that late now and then. A hidden window gets no callback at all, so it is still told,
+    // 400 ms after its next frame (the countdown draws one each second).
+    if (qEnvironmentVariableIsEmpty("QT_WAYLAND_FRAME_CALLBACK_TIMEOUT"))
+        qputenv("QT_WAYLAND_FRAME_CALLBACK_TIMEOUT", "400");
+    // Qt then makes no window role of its own for a window that bypasses the window manager:
+    // the break windows that the compositor's overlay layer takes (and only they bypass it).
+    qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
+}
+
 std::optional<int> BreakScreenChild::start()
 {
     if (!m_channel.openToParent()) {

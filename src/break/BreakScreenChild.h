@@ -18,6 +18,9 @@ public:
     // How the process ends when it cannot serve.
     enum ExitCode { NotStartedByLulltide = 2, ViewCannotBeMade = 3 };
 
+    // Sets what Qt's Wayland platform reads as it starts: before the QGuiApplication.
+    static void prepareProcess();
+
     // Opens the connection to Lulltide, sends the log there, and makes the windows; the exit
     // code when that fails. Needs the QGuiApplication.
     std::optional<int> start();

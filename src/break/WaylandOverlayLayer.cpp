@@ -151,9 +151,7 @@ bool adopt(QWindow* window, std::function<void(QWindow*)> closed)
 {
     if (!shell())
         return false;
-    // Qt makes no window role of its own for a window that bypasses the window manager, where
-    // this is set.
-    qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
+    // (Qt makes no window role of its own for it: see BreakScreenChild::prepareProcess.)
     window->setFlag(Qt::BypassWindowManagerHint);
     window->installEventFilter(placer());
     placer()->layers.insert(window, nullptr);

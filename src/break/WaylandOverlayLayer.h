@@ -15,8 +15,10 @@ namespace WaylandOverlayLayer {
 
 // Makes the window a surface of the overlay layer from its next show on, where the compositor
 // offers that layer; false (and the window left as it is) otherwise. Call before the window's
-// native window is made. `closed` is called when the compositor takes the surface away
-// (KWin's Close Window does): the window is still shown, with nothing on screen.
+// native window is made, in a process that set QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT before its
+// QGuiApplication (BreakScreenChild::prepareProcess). `closed` is called when the compositor
+// takes the surface away (KWin's Close Window does): the window is still shown, with nothing on
+// screen.
 bool adopt(QWindow* window, std::function<void(QWindow*)> closed);
 
 } // namespace WaylandOverlayLayer

@@ -6,6 +6,7 @@
 #include "logging/Logger.h"
 
 #include <QHash>
+#include <QSet>
 #include <QWindow>
 #include <qpa/qplatformnativeinterface.h>
 #include <wayland-client.h>
@@ -22,6 +23,38 @@ struct Manager {
 };
 Manager bound;
 QHash<QWindow*, zwp_keyboard_shortcuts_inhibitor_v1*> inhibitors;
+// What the compositor last said of the break's bindings, so each change is logged once.
+enum class Held { Unknown, Yes, No };
+Held held = Held::Unknown;
+// Inhibitors the compositor has said nothing of yet, and what to do when it does.
+QSet<zwp_keyboard_shortcuts_inhibitor_v1*> unanswered;
+std::function<void()> whenAnswered;
+
+void answered(zwp_keyboard_shortcuts_inhibitor_v1* inhibitor)
+{
+    if (unanswered.remove(inhibitor) && unanswered.isEmpty() && whenAnswered)
+        whenAnswered();
+}
+
+// The compositor's answer comes when it holds its bindings back (at once on sway and KWin; on
+// GNOME once the person allowed it, asked by the shell at the first break) and when it gives
+// them back while the break lasts (GNOME's Super+Escape, a denial).
+void heldBack(void* /*data*/, zwp_keyboard_shortcuts_inhibitor_v1* inhibitor)
+{
+    if (std::exchange(held, Held::Yes) != Held::Yes)
+        logger().info(QStringLiteral("the compositor holds its key bindings back for the break"));
+    answered(inhibitor);
+}
+
+void givenBack(void* /*data*/, zwp_keyboard_shortcuts_inhibitor_v1* inhibitor)
+{
+    if (std::exchange(held, Held::No) != Held::No)
+        logger().info(QStringLiteral("the compositor's key bindings act during this break: it did not "
+                                     "hold them back or gave them back"));
+    answered(inhibitor);
+}
+
+const zwp_keyboard_shortcuts_inhibitor_v1_listener listener = {heldBack, givenBack};
 
 zwp_keyboard_shortcuts_inhibit_manager_v1* manager()
 {
@@ -41,24 +74,47 @@ zwp_keyboard_shortcuts_inhibit_manager_v1* manager()
 
 } // namespace
 
-void inhibit(QWindow* window)
+void forget(QWindow* window)
+{
+    if (zwp_keyboard_shortcuts_inhibitor_v1* old = inhibitors.take(window)) {
+        unanswered.remove(old);
+        zwp_keyboard_shortcuts_inhibitor_v1_destroy(old);
+    }
+}
+
+bool inhibit(QWindow* window, std::function<void()> answeredThen)
 {
     QPlatformNativeInterface* native = QtWaylandConnection::native();
     if (!native)
-        return;
+        return false;
     wl_display* connection = QtWaylandConnection::display();
     auto* seat = static_cast<wl_seat*>(native->nativeResourceForIntegration(QByteArrayLiteral("wl_seat")));
     auto* surface =
         static_cast<wl_surface*>(native->nativeResourceForWindow(QByteArrayLiteral("surface"), window));
     if (!connection || !seat || !surface || !manager())
-        return;
+        return false;
     // The surface the last inhibitor was for may be gone with a hide: one inhibitor per window,
     // made anew (a second one for a surface would be a protocol error).
-    if (zwp_keyboard_shortcuts_inhibitor_v1* old = inhibitors.take(window))
-        zwp_keyboard_shortcuts_inhibitor_v1_destroy(old);
-    inhibitors.insert(
-        window, zwp_keyboard_shortcuts_inhibit_manager_v1_inhibit_shortcuts(bound.manager, surface, seat));
+    forget(window);
+    // Made through a wrapper on Qt's default queue, so its news is read as Qt reads its own,
+    // from its first event on.
+    auto* wrapper =
+        static_cast<zwp_keyboard_shortcuts_inhibit_manager_v1*>(wl_proxy_create_wrapper(bound.manager));
+    wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(wrapper), nullptr);
+    zwp_keyboard_shortcuts_inhibitor_v1* inhibitor =
+        zwp_keyboard_shortcuts_inhibit_manager_v1_inhibit_shortcuts(wrapper, surface, seat);
+    wl_proxy_wrapper_destroy(wrapper);
+    zwp_keyboard_shortcuts_inhibitor_v1_add_listener(inhibitor, &listener, nullptr);
+    inhibitors.insert(window, inhibitor);
+    unanswered.insert(inhibitor);
+    whenAnswered = std::move(answeredThen);
     wl_display_flush(connection);
+    return true;
+}
+
+bool awaitingAnswer()
+{
+    return !unanswered.isEmpty();
 }
 
 void releaseAll()
@@ -68,11 +124,10 @@ void releaseAll()
     for (zwp_keyboard_shortcuts_inhibitor_v1* inhibitor : std::as_const(inhibitors))
         zwp_keyboard_shortcuts_inhibitor_v1_destroy(inhibitor);
     inhibitors.clear();
-    if (wl_display* connection = QtWaylandConnection::display()) {
+    unanswered.clear();
+    held = Held::Unknown;
+    if (wl_display* connection = QtWaylandConnection::display())
         wl_display_flush(connection);
-        // The inhibitors' "active" and "inactive" events, unlistened to, leave our queue.
-        wl_display_dispatch_queue_pending(connection, bound.queue);
-    }
 }
 
 } // namespace WaylandShortcutsInhibitor

@@ -34,6 +34,8 @@ bool breakShown = false;
 QObject* viewPrompt = nullptr;
 QObject* viewCountdown = nullptr;
 const char fadeName[] = "fade";
+// Whether the compositor's key bindings were asked for the window's surface as shown now.
+const char keysAskedName[] = "keysAsked";
 
 QString screenKeyOf(const QWindow* window)
 {
@@ -93,9 +95,16 @@ void present(QQuickWindow* window)
     // windows out of the panels' space, and Wayland lets no client place its windows at all.
     // Not showFullScreen(): it also asks for the focus, which belongs to the primary screen's window.
     window->setWindowStates(Qt::WindowFullScreen);
+    // Shown anew, it has a new surface: the compositor's key bindings are asked for that one.
+    WaylandShortcutsInhibitor::forget(window);
+    window->setProperty(keysAskedName, false);
     window->setVisible(true);
     window->raise();
-    WaylandShortcutsInhibitor::inhibit(window);
+    // A surface of the overlay layer gets the keyboard without Qt's focus, and the compositors
+    // that offer the layer answer at once: asked now. A full-screen window is asked for once it
+    // has the keyboard (holdKeysWhileFocused).
+    if (window->flags() & Qt::BypassWindowManagerHint)
+        window->setProperty(keysAskedName, WaylandShortcutsInhibitor::inhibit(window));
 }
 
 QScreen* ownScreen(const QQuickWindow* window);
@@ -355,6 +364,22 @@ bool prepareBreak()
     return true;
 }
 
+// The compositor's own key bindings wait while a break window has the keyboard. They are asked
+// for the window that has it, when it gets it, and not for another while the compositor has yet
+// to answer: one that asks the person first (GNOME) asks once, about one window, not again for
+// each screen's.
+void holdKeysWhileFocused(QWindow* focus)
+{
+    if (!breakShown || !focus || focus->objectName() != QLatin1String(breakWindowName) ||
+        focus->property(keysAskedName).toBool() || WaylandShortcutsInhibitor::awaitingAnswer())
+        return;
+    // Asked again once the compositor answers: the window that has the keyboard then may not
+    // have been asked.
+    focus->setProperty(keysAskedName, WaylandShortcutsInhibitor::inhibit(focus, [] {
+                           holdKeysWhileFocused(QGuiApplication::focusWindow());
+                       }));
+}
+
 bool showBreak()
 {
     QList<QQuickWindow*> windows;
@@ -368,6 +393,8 @@ bool showBreak()
         fitToScreen(w, screen);
         windows << w;
     }
+    static const auto focusWatch =
+        QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &holdKeysWhileFocused);
     breakShown = true;
     guard().breakStarts();
     const bool still = ReducedMotion::requested();

@@ -393,6 +393,17 @@ QProcessEnvironment environmentWithHome(const QString& root)
     return environment;
 }
 
+QProcessEnvironment waylandClientWithHome(const QString& root, const QString& runtime, const QString& socket)
+{
+    QProcessEnvironment environment = environmentWithHome(root);
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
+    environment.insert(QStringLiteral("WAYLAND_DISPLAY"), socket);
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland"));
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    return environment;
+}
+
 ChildResult runChild(const QByteArray& mode, const QProcessEnvironment& environment, int timeoutMs)
 {
     QProcessEnvironment childEnvironment = environment;

@@ -101,6 +101,10 @@ bool askWindowToClose(const QString& window);
 // An environment whose HOME and XDG folders point into `root`.
 QProcessEnvironment environmentWithHome(const QString& root);
 
+// That environment for a Wayland client of the compositor at `socket` in the runtime folder
+// `runtime`, with Qt on Wayland, no X display and the C locale.
+QProcessEnvironment waylandClientWithHome(const QString& root, const QString& runtime, const QString& socket);
+
 // Waits up to `ms` for `process` to end. When it does not, its threads' stacks (gdb) go to the
 // test's output before false is returned: a hang is found where it happens.
 bool waitForEnd(QProcess& process, int ms);

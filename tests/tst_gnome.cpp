@@ -1,0 +1,364 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/BlackWindow.h"
+#include "support/CoveredOutputs.h"
+#include "support/TestMain.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QScopeGuard>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <functional>
+
+namespace {
+
+int childMain(const QByteArray& mode)
+{
+    // Another program, full screen: a plain window of the test's own.
+    return mode == "full-screen-window" ? BlackWindow::runFullScreen() : 2;
+}
+
+// X keysyms of the keys the tests press.
+constexpr uint superKey = 0xffeb;
+constexpr uint enterKey = 0xff0d;
+
+const QString appId = QStringLiteral("org.lulltide.Lulltide.desktop");
+
+} // namespace
+
+// The real program on GNOME Shell 43, run as a headless Wayland compositor with two virtual
+// monitors of 1280×800 side by side, on the tests' own session bus and a system bus of their own
+// (without login1, which the shell does without). The shell runs in its unsafe mode: the tests
+// act through its JavaScript as a person would through its keys and menus (minimise, close,
+// another workspace, the overview), press keys through its remote desktop interface, and read
+// both monitors back through its screenshot interface. GNOME offers programs no overlay layer:
+// the break windows are full-screen windows, and these tests back what the README says holds.
+class GnomeTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir runtime; // XDG_RUNTIME_DIR: the shell's socket
+    QTemporaryDir scratch;
+    QProcess shell;
+    QProcess permissionStore;
+    const QString socket = "wayland-lulltide-gnome";
+    QString keyboardSession; // the shell's remote desktop session, for key presses
+
+    using Instance = TestSupport::ProgramRun;
+
+    QProcessEnvironment onGnome(const QString& home) const
+    {
+        return TestSupport::waylandClientWithHome(home, runtime.path(), socket);
+    }
+
+    QString run(const QStringList& arguments, const QString& home)
+    {
+        QProcess process;
+        process.setProcessEnvironment(onGnome(home));
+        process.start(LULLTIDE_BINARY, arguments);
+        process.waitForFinished(10000);
+        return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    }
+
+    QString status(const Instance& instance) { return run({"--status"}, instance.home.path()); }
+
+    void start(Instance& instance, const QByteArray& settings)
+    {
+        QDir().mkpath(instance.home.path() + "/.config/lulltide");
+        QFile conf(instance.home.path() + "/.config/lulltide/lulltide.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("[General]\nauto_check_update=false\n" + settings);
+        conf.close();
+        instance.process.setProcessEnvironment(onGnome(instance.home.path()));
+        instance.process.start(LULLTIDE_BINARY, {});
+        QVERIFY(instance.process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("sandbox home path: "), 10000);
+    }
+
+    static QDBusMessage call(const QString& service, const QString& path, const QString& interface,
+                             const QString& method, const QVariantList& arguments = {})
+    {
+        QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
+        message.setArguments(arguments);
+        return QDBusConnection::sessionBus().call(message, QDBus::Block, 10000);
+    }
+
+    // The value of a JavaScript expression in the shell, as JSON; empty when the shell refused.
+    static QString eval(const QString& script)
+    {
+        const QDBusMessage reply =
+            call("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell", "Eval", {script});
+        if (reply.type() != QDBusMessage::ReplyMessage || !reply.arguments().value(0).toBool())
+            return QString();
+        return reply.arguments().value(1).toString();
+    }
+
+    // Both monitors side by side, as the shell composites them.
+    QImage screen()
+    {
+        const QString shot = scratch.filePath("gnome.png");
+        QFile::remove(shot);
+        call("org.gnome.Shell", "/org/gnome/Shell/Screenshot", "org.gnome.Shell.Screenshot", "Screenshot",
+             {false, false, shot});
+        return QImage(shot);
+    }
+
+    // A key pressed and released, as a keyboard does.
+    void press(uint keysym)
+    {
+        for (bool down : {true, false})
+            call("org.gnome.Mutter.RemoteDesktop", keyboardSession, "org.gnome.Mutter.RemoteDesktop.Session",
+                 "NotifyKeyboardKeysym", {keysym, down});
+    }
+
+    // Every text on the shell's modal dialogs on screen now, joined by "|".
+    static QString dialogTexts()
+    {
+        return eval("function texts(actor) { if (!actor.mapped) return [];"
+                    " let found = actor.text ? [actor.text] : [];"
+                    " for (const child of actor.get_children()) found = found.concat(texts(child));"
+                    " return found; }"
+                    " texts(Main.layoutManager.modalDialogGroup).join('|')");
+    }
+
+    // What the shell keeps of its question whether Lulltide may hold the shell's key bindings.
+    static QStringList shortcutsAnswer()
+    {
+        const QDBusMessage reply = call(
+            "org.freedesktop.impl.portal.PermissionStore", "/org/freedesktop/impl/portal/PermissionStore",
+            "org.freedesktop.impl.portal.PermissionStore", "Lookup", {"gnome", "shortcuts-inhibitor"});
+        QMap<QString, QStringList> answers;
+        if (reply.type() == QDBusMessage::ReplyMessage)
+            reply.arguments().value(0).value<QDBusArgument>() >> answers;
+        return answers.value(appId);
+    }
+
+    // The person answered Allow at some earlier break.
+    static void allowHoldingShortcuts()
+    {
+        call("org.freedesktop.impl.portal.PermissionStore", "/org/freedesktop/impl/portal/PermissionStore",
+             "org.freedesktop.impl.portal.PermissionStore", "SetPermission",
+             {"gnome", true, "shortcuts-inhibitor", appId, QStringList{"GRANTED"}});
+        QCOMPARE(shortcutsAnswer(), QStringList{"GRANTED"});
+    }
+
+    static int countOf(const QString& text, const QString& part) { return int(text.count(part)); }
+
+    void startAnotherProgram(QProcess& other, const QString& home) const
+    {
+        QProcessEnvironment environment = onGnome(home);
+        environment.insert("LULLTIDE_TEST_CHILD", "full-screen-window");
+        other.setProcessEnvironment(environment);
+        other.start(QCoreApplication::applicationFilePath(), {});
+    }
+
+private slots:
+    void initTestCase()
+    {
+        if (QStandardPaths::findExecutable("gnome-shell").isEmpty())
+            QSKIP("gnome-shell is not installed (scripts/install-packages installs it)");
+        QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        // Lulltide's desktop entry, where the shell finds programs: the shell asks about and
+        // remembers the key bindings by it.
+        const QString applications = scratch.filePath("share/applications");
+        QVERIFY(QDir().mkpath(applications));
+        QFile entry(applications + "/" + appId);
+        QVERIFY(entry.open(QIODevice::WriteOnly));
+        entry.write("[Desktop Entry]\nType=Application\nName=Lulltide\nExec=" LULLTIDE_BINARY "\n");
+        entry.close();
+
+        // Where GNOME keeps a person's answers (a session's bus starts it on demand; ours starts
+        // nothing by itself).
+        permissionStore.setStandardErrorFile(scratch.filePath("permission-store.log"));
+        permissionStore.start("/usr/libexec/xdg-permission-store", {"--replace"});
+        QVERIFY(permissionStore.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(QDBusConnection::sessionBus().interface()->isServiceRegistered(
+                                     "org.freedesktop.impl.portal.PermissionStore"),
+                                 10000);
+
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_RUNTIME_DIR", runtime.path());
+        environment.insert("XDG_DATA_DIRS", scratch.filePath("share") + ":/usr/share");
+        environment.insert("GSETTINGS_BACKEND", "memory");
+        environment.remove("DISPLAY");
+        environment.remove("WAYLAND_DISPLAY");
+        shell.setProcessEnvironment(environment);
+        shell.setProcessChannelMode(QProcess::MergedChannels);
+        shell.setStandardOutputFile(scratch.filePath("shell.log"));
+        shell.start("gnome-shell",
+                    {"--headless", "--wayland", "--no-x11", "--unsafe-mode", "--virtual-monitor", "1280x800",
+                     "--virtual-monitor", "1280x800", "--wayland-display", socket});
+        QVERIFY(shell.waitForStarted());
+        const auto shellLog = [this] {
+            QFile log(scratch.filePath("shell.log"));
+            return log.open(QIODevice::ReadOnly) ? log.readAll().right(3000) : QByteArray();
+        };
+        QTRY_VERIFY2_WITH_TIMEOUT(eval("Main.layoutManager._startingUp") == "false", shellLog().constData(),
+                                  60000);
+        // The shell starts in its overview; a session's first window would end it.
+        eval("Main.overview.hide()");
+        QTRY_COMPARE_WITH_TIMEOUT(eval("Main.overview.visible"), QString("false"), 10000);
+        QCOMPARE(eval("global.display.get_n_monitors()"), QString("2"));
+
+        const QDBusMessage session = call("org.gnome.Mutter.RemoteDesktop", "/org/gnome/Mutter/RemoteDesktop",
+                                          "org.gnome.Mutter.RemoteDesktop", "CreateSession");
+        QVERIFY2(session.type() == QDBusMessage::ReplyMessage, qPrintable(session.errorMessage()));
+        keyboardSession = session.arguments().value(0).value<QDBusObjectPath>().path();
+        const QDBusMessage started = call("org.gnome.Mutter.RemoteDesktop", keyboardSession,
+                                          "org.gnome.Mutter.RemoteDesktop.Session", "Start");
+        QVERIFY2(started.type() == QDBusMessage::ReplyMessage, qPrintable(started.errorMessage()));
+    }
+
+    void cleanupTestCase()
+    {
+        shell.terminate();
+        shell.waitForFinished(5000);
+        permissionStore.terminate();
+        permissionStore.waitForFinished(5000);
+    }
+
+    void onGnomeTheFirstBreakAsksWhetherItMayHoldTheShellsKeysAndTheAnswerIsKept()
+    {
+        call("org.freedesktop.impl.portal.PermissionStore", "/org/freedesktop/impl/portal/PermissionStore",
+             "org.freedesktop.impl.portal.PermissionStore", "DeletePermission",
+             {"gnome", "shortcuts-inhibitor", appId});
+        QCOMPARE(shortcutsAnswer(), QStringList());
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        // The shell asks, over the break, naming Lulltide.
+        QTRY_VERIFY_WITH_TIMEOUT(dialogTexts().contains("Allow inhibiting shortcuts"), 15000);
+        QVERIFY2(dialogTexts().contains("Lulltide"), qPrintable(dialogTexts()));
+        QVERIFY(status(instance).startsWith("break "));
+        const QString held = "the compositor holds its key bindings back for the break";
+        QVERIFY(!instance.log().contains(held));
+        // Enter answers Allow, the dialog's default.
+        press(enterKey);
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains(held), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(shortcutsAnswer(), QStringList{"GRANTED"}, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(!dialogTexts().contains("Allow inhibiting shortcuts"), 5000);
+
+        // The next break holds the keys without asking: the shell grants them only after
+        // looking the answer up, so once they are held no dialog was opened for this break.
+        run({"--skip"}, instance.home.path());
+        QTRY_COMPARE_WITH_TIMEOUT(countOf(instance.log(), held), 2, 15000);
+        QVERIFY2(!dialogTexts().contains("Allow inhibiting shortcuts"), qPrintable(dialogTexts()));
+        QTRY_VERIFY_WITH_TIMEOUT(CoveredOutputs::covered(screen()), 5000);
+        run({"--pause"}, instance.home.path());
+    }
+
+    void onGnomeSuperDoesNotOpenTheOverviewDuringABreakAndDoesAfterIt()
+    {
+        allowHoldingShortcuts();
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(
+            instance.log().contains("the compositor holds its key bindings back for the break"), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(CoveredOutputs::covered(screen()), 5000);
+        // Super, then Enter on the break's focused Skip: once the break is skipped the same
+        // keyboard's Super has been and gone.
+        QTest::qWait(600); // keys in the break's first half second are taken for typing
+        press(superKey);
+        press(enterKey);
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("skip break view"), 5000);
+        QCOMPARE(eval("Main.overview.visible"), QString("false"));
+
+        // After the break Super is the shell's again.
+        run({"--pause"}, instance.home.path());
+        press(superKey);
+        QTRY_COMPARE_WITH_TIMEOUT(eval("Main.overview.visible"), QString("true"), 5000);
+        eval("Main.overview.hide()");
+        QTRY_COMPARE_WITH_TIMEOUT(eval("Main.overview.visible"), QString("false"), 5000);
+    }
+
+    void onGnomeNoEscapeUncoversAnOutputForLong()
+    {
+        allowHoldingShortcuts();
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(CoveredOutputs::covered(screen()), 15000);
+        QVERIFY(instance.log().contains("breaks cover the screens as full-screen windows"));
+        screen().save(QDir::current().filePath("gnome-two-outputs.png"));
+
+        // The break window on a monitor, as the shell knows it.
+        const auto onMonitor = [](int monitor) {
+            return QStringLiteral("global.get_window_actors().map(actor => actor.meta_window)"
+                                  ".find(window => window.get_monitor() === %1 && window.get_title() !== "
+                                  "'another program')")
+                .arg(monitor);
+        };
+        QProcess other;
+        QTemporaryDir otherHome;
+        QByteArray said;
+        // Each escape is witnessed before the look: the program saw it (a put-back, a refused
+        // close), the shell says it is done, or the other program's window was shown.
+        const auto seen = [&](const QString& what, int before) {
+            return QTest::qWaitFor([&] { return countOf(instance.log(), what) > before; }, 5000);
+        };
+        const QString putBack = " put back: ";
+        const QList<std::pair<QString, std::function<bool()>>> escapes = {
+            {"minimise (Super+H)",
+             [&] {
+                 const int before = countOf(instance.log(), putBack);
+                 return eval(onMonitor(0) + ".minimize(); true") == "true" && seen(putBack, before);
+             }},
+            {"close (Alt+F4)",
+             [&] {
+                 const QString stays = "stays: closing it does not end the break";
+                 const int before = countOf(instance.log(), stays);
+                 return eval(onMonitor(1) + ".delete(global.get_current_time()); true") == "true" &&
+                        seen(stays, before);
+             }},
+            {"another workspace (Super+Page Down)",
+             [&] {
+                 const int before = countOf(instance.log(), putBack);
+                 eval("global.workspace_manager.get_workspace_by_index(1).activate(global.get_current_time()"
+                      ")");
+                 return eval("global.workspace_manager.get_active_workspace_index()") == "1" &&
+                        (seen(putBack, before) || true);
+             }},
+            {"a new full-screen window",
+             [&] {
+                 startAnotherProgram(other, otherHome.path());
+                 return QTest::qWaitFor(
+                     [&] { return (said += other.readAllStandardOutput()).contains("shown 1280x800"); },
+                     10000);
+             }},
+        };
+        const auto firstWorkspace = qScopeGuard([] {
+            eval("global.workspace_manager.get_workspace_by_index(0).activate(global.get_current_time())");
+        });
+        for (const auto& [what, act] : escapes) {
+            QVERIFY2(act(), qPrintable(what + ": not done, or not seen by the program\n" +
+                                       instance.log().right(900)));
+            CoveredOutputs::within2s(instance, what, [this] { return screen(); });
+            if (QTest::currentTestFailed())
+                return;
+        }
+        QVERIFY(status(instance).startsWith("break "));
+        other.kill();
+        other.waitForFinished();
+
+        // The overview (opened here as Super opens it where the break does not hold the keys)
+        // shows the break small beside the desktop; the break covers both monitors again when
+        // it closes.
+        eval("Main.overview.show()");
+        QTRY_COMPARE_WITH_TIMEOUT(eval("Main.overview.visible"), QString("true"), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(!CoveredOutputs::covered(screen()), 5000);
+        eval("Main.overview.hide()");
+        CoveredOutputs::within2s(instance, "the overview closed", [this] { return screen(); });
+
+        // Skipped, the break leaves nothing on either monitor.
+        run({"--skip"}, instance.home.path());
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(screen()), 0, 10000);
+    }
+};
+
+LULLTIDE_TEST_MAIN_WITH_PRIVATE_BUSES(GnomeTest, childMain)
+#include "tst_gnome.moc"
