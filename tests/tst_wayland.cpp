@@ -694,6 +694,38 @@ private slots:
         swaymsg({"workspace", "number", workspace});
     }
 
+    void onKWinCtrlF2DoesNotReachKWinDuringABreakAndDoesAfterIt()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n", kwinSocket);
+        QTRY_VERIFY_WITH_TIMEOUT(CoveredOutputs::covered(kwinScreen()), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            instance.log().contains("the compositor holds its key bindings back for the break"), 5000);
+        QCOMPARE(kwinDesktopCall("currentDesktop").arguments().value(0).toInt(), 1);
+        useCompositor(kwinSocket);
+        constexpr quint32 ctrl = 29;
+        constexpr quint32 f2 = 60;
+        constexpr quint32 enter = 28;
+        QVERIFY(FakeInput::pressKeys({ctrl, f2}));
+        // Then Enter on the break's focused Skip, from the same keyboard: once the break is
+        // skipped, Ctrl+F2 has been and gone. (Keys in the break's first half second are taken
+        // for typing and do nothing: Enter is pressed again until it acts.)
+        QVERIFY2(QTest::qWaitFor(
+                     [&] {
+                         FakeInput::pressKeys({enter});
+                         return QTest::qWaitFor([&] { return instance.log().contains("skip break view"); },
+                                                1000);
+                     },
+                     10000),
+                 qPrintable(instance.log().right(900)));
+        QCOMPARE(kwinDesktopCall("currentDesktop").arguments().value(0).toInt(), 1);
+
+        // After the break the keys are KWin's again.
+        QVERIFY(FakeInput::pressKeys({ctrl, f2}));
+        QTRY_COMPARE_WITH_TIMEOUT(kwinDesktopCall("currentDesktop").arguments().value(0).toInt(), 2, 5000);
+        kwinDesktopCall("setCurrentDesktop", {1});
+    }
+
     void onWestonABreakCoversAWindowOpenedDuringIt()
     {
         Instance instance;

@@ -6,6 +6,7 @@
 
 #include <wayland-client.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace FakeInput {
@@ -13,16 +14,19 @@ namespace {
 
 struct Globals {
     org_kde_kwin_fake_input* kde = nullptr;
+    uint32_t kdeVersion = 0;
     zwlr_virtual_pointer_manager_v1* wlr = nullptr;
 };
 
-void global(void* data, wl_registry* registry, uint32_t name, const char* interface, uint32_t)
+void global(void* data, wl_registry* registry, uint32_t name, const char* interface, uint32_t version)
 {
     auto* globals = static_cast<Globals*>(data);
-    if (std::strcmp(interface, org_kde_kwin_fake_input_interface.name) == 0)
+    if (std::strcmp(interface, org_kde_kwin_fake_input_interface.name) == 0) {
+        // Keys came with version 4.
+        globals->kdeVersion = std::min<uint32_t>(version, 4);
         globals->kde = static_cast<org_kde_kwin_fake_input*>(
-            wl_registry_bind(registry, name, &org_kde_kwin_fake_input_interface, 1));
-    else if (std::strcmp(interface, zwlr_virtual_pointer_manager_v1_interface.name) == 0)
+            wl_registry_bind(registry, name, &org_kde_kwin_fake_input_interface, globals->kdeVersion));
+    } else if (std::strcmp(interface, zwlr_virtual_pointer_manager_v1_interface.name) == 0)
         globals->wlr = static_cast<zwlr_virtual_pointer_manager_v1*>(
             wl_registry_bind(registry, name, &zwlr_virtual_pointer_manager_v1_interface, 1));
 }
@@ -32,6 +36,34 @@ void globalRemove(void*, wl_registry*, uint32_t) {}
 const wl_registry_listener listener = {global, globalRemove};
 
 } // namespace
+
+bool pressKeys(const QList<quint32>& keys)
+{
+    wl_display* display = wl_display_connect(nullptr);
+    if (!display)
+        return false;
+    Globals globals;
+    wl_registry* registry = wl_display_get_registry(display);
+    wl_registry_add_listener(registry, &listener, &globals);
+    wl_display_roundtrip(display);
+    const bool pressed = globals.kde && globals.kdeVersion >= 4;
+    if (pressed) {
+        org_kde_kwin_fake_input_authenticate(globals.kde, "lulltide tests", "a person at the desk");
+        for (quint32 key : keys)
+            org_kde_kwin_fake_input_keyboard_key(globals.kde, key, WL_KEYBOARD_KEY_STATE_PRESSED);
+        for (auto key = keys.crbegin(); key != keys.crend(); ++key)
+            org_kde_kwin_fake_input_keyboard_key(globals.kde, *key, WL_KEYBOARD_KEY_STATE_RELEASED);
+        wl_display_roundtrip(display);
+    }
+    if (globals.kde)
+        org_kde_kwin_fake_input_destroy(globals.kde);
+    if (globals.wlr)
+        zwlr_virtual_pointer_manager_v1_destroy(globals.wlr);
+    wl_display_roundtrip(display);
+    wl_registry_destroy(registry);
+    wl_display_disconnect(display);
+    return pressed;
+}
 
 bool movePointer()
 {
