@@ -29,6 +29,7 @@ int childMain(const QByteArray& mode)
 // X keysyms of the keys the tests press.
 constexpr uint superKey = 0xffeb;
 constexpr uint enterKey = 0xff0d;
+constexpr uint escapeKey = 0xff1b;
 
 const QString appId = QStringLiteral("org.lulltide.Lulltide.desktop");
 
@@ -149,6 +150,15 @@ class GnomeTest : public QObject {
         QCOMPARE(shortcutsAnswer(), QStringList{"GRANTED"});
     }
 
+    // The person never answered.
+    static void forgetShortcutsAnswer()
+    {
+        call("org.freedesktop.impl.portal.PermissionStore", "/org/freedesktop/impl/portal/PermissionStore",
+             "org.freedesktop.impl.portal.PermissionStore", "DeletePermission",
+             {"gnome", "shortcuts-inhibitor", appId});
+        QCOMPARE(shortcutsAnswer(), QStringList());
+    }
+
     static int countOf(const QString& text, const QString& part) { return int(text.count(part)); }
 
     void startAnotherProgram(QProcess& other, const QString& home) const
@@ -226,10 +236,7 @@ private slots:
 
     void onGnomeTheFirstBreakAsksWhetherItMayHoldTheShellsKeysAndTheAnswerIsKept()
     {
-        call("org.freedesktop.impl.portal.PermissionStore", "/org/freedesktop/impl/portal/PermissionStore",
-             "org.freedesktop.impl.portal.PermissionStore", "DeletePermission",
-             {"gnome", "shortcuts-inhibitor", appId});
-        QCOMPARE(shortcutsAnswer(), QStringList());
+        forgetShortcutsAnswer();
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n");
         // The shell asks, over the break, naming Lulltide.
@@ -253,6 +260,25 @@ private slots:
         run({"--pause"}, instance.home.path());
     }
 
+    void onGnomeAfterDenySuperOpensTheOverviewOverTheBreakUntilItCloses()
+    {
+        forgetShortcutsAnswer();
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(dialogTexts().contains("Allow inhibiting shortcuts"), 15000);
+        press(escapeKey); // Deny, kept as the answer
+        QTRY_COMPARE_WITH_TIMEOUT(shortcutsAnswer(), QStringList{"DENIED"}, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(!dialogTexts().contains("Allow inhibiting shortcuts"), 5000);
+        QVERIFY(!instance.log().contains("the compositor holds its key bindings back for the break"));
+        // Super is the shell's: the overview shows the break small, and the break covers both
+        // monitors again when it closes.
+        press(superKey);
+        QTRY_COMPARE_WITH_TIMEOUT(eval("Main.overview.visible"), QString("true"), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(!CoveredOutputs::covered(screen()), 5000);
+        eval("Main.overview.hide()");
+        CoveredOutputs::within2s(instance, "the overview closed", [this] { return screen(); });
+    }
+
     void onGnomeSuperDoesNotOpenTheOverviewDuringABreakAndDoesAfterIt()
     {
         allowHoldingShortcuts();
@@ -262,11 +288,17 @@ private slots:
             instance.log().contains("the compositor holds its key bindings back for the break"), 15000);
         QTRY_VERIFY_WITH_TIMEOUT(CoveredOutputs::covered(screen()), 5000);
         // Super, then Enter on the break's focused Skip: once the break is skipped the same
-        // keyboard's Super has been and gone.
-        QTest::qWait(600); // keys in the break's first half second are taken for typing
+        // keyboard's Super has been and gone. (Keys in the break's first half second are taken
+        // for typing and do nothing: Enter is pressed again until it acts.)
         press(superKey);
-        press(enterKey);
-        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains("skip break view"), 5000);
+        QVERIFY2(QTest::qWaitFor(
+                     [&] {
+                         press(enterKey);
+                         return QTest::qWaitFor([&] { return instance.log().contains("skip break view"); },
+                                                1000);
+                     },
+                     10000),
+                 qPrintable(instance.log().right(900)));
         QCOMPARE(eval("Main.overview.visible"), QString("false"));
 
         // After the break Super is the shell's again.
