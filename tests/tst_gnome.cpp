@@ -309,6 +309,18 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(eval("Main.overview.visible"), QString("false"), 5000);
     }
 
+    void onGnomeTheKeyboardIsOnThePrimaryMonitorsBreak()
+    {
+        // The shell gives the keyboard to the window it maps last, which the program sees to.
+        allowHoldingShortcuts();
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(CoveredOutputs::covered(screen()), 15000);
+        QTRY_COMPARE_WITH_TIMEOUT(
+            eval("global.display.focus_window.get_monitor() === global.display.get_primary_monitor()"),
+            QString("true"), 5000);
+    }
+
     void onGnomeNoEscapeUncoversAnOutputForLong()
     {
         allowHoldingShortcuts();

@@ -21,7 +21,11 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QScreen>
+#include <QSet>
 #include <QTimer>
+
+#include <functional>
+#include <memory>
 
 namespace WindowController {
 namespace {
@@ -380,6 +384,41 @@ void holdKeysWhileFocused(QWindow* focus)
                        }));
 }
 
+// Opens `last` once every other of `windows` has shown its first frame, or after a quarter of a
+// second, whichever comes first, while the break lasts.
+void openAfterTheOthersFirstFrame(QQuickWindow* last, const QList<QQuickWindow*>& windows,
+                                  const std::function<void(QQuickWindow*)>& open)
+{
+    struct Wait {
+        QSet<QQuickWindow*> others;
+        QList<QMetaObject::Connection> connections;
+        bool done = false;
+    };
+    auto wait = std::make_shared<Wait>();
+    const auto openLast = [wait, last, open] {
+        if (std::exchange(wait->done, true))
+            return;
+        for (const QMetaObject::Connection& connection : std::as_const(wait->connections))
+            QObject::disconnect(connection);
+        if (breakShown)
+            open(last);
+    };
+    for (QQuickWindow* w : windows) {
+        if (w == last)
+            continue;
+        wait->others.insert(w);
+        wait->connections << QObject::connect(
+            w, &QQuickWindow::frameSwapped, last,
+            [wait, openLast, w] {
+                wait->others.remove(w);
+                if (wait->others.isEmpty())
+                    openLast();
+            },
+            Qt::QueuedConnection);
+    }
+    QTimer::singleShot(250, last, openLast);
+}
+
 bool showBreak()
 {
     QList<QQuickWindow*> windows;
@@ -401,16 +440,30 @@ bool showBreak()
     if (still)
         logger().info(
             QStringLiteral("the break appears without its fade: the desktop asks for less animation"));
-    for (QQuickWindow* w : windows) {
+    const auto open = [still](QQuickWindow* w) {
         guard().watch(w);
         stopFade(w);
         fadeTarget(w)->setProperty("opacity", still ? 1.0 : 0.0);
         present(w);
         if (!still)
             fade(w, 1.0);
+    };
+    QQuickWindow* primary = findWindow(screenKey(QGuiApplication::primaryScreen()));
+    // A compositor that lets no program take the keyboard (a Wayland window without an
+    // activation token) gives it to the window it maps last: there the primary screen's window
+    // opens once the others have shown their first frame. Not on the overlay layer, where the
+    // primary's window alone asks for the keyboard.
+    const bool primaryLast = primary && windows.size() > 1 &&
+                             QGuiApplication::platformName() == QLatin1String("wayland") &&
+                             !(primary->flags() & Qt::BypassWindowManagerHint);
+    for (QQuickWindow* w : windows) {
+        if (!(primaryLast && w == primary))
+            open(w);
     }
+    if (primaryLast)
+        openAfterTheOthersFirstFrame(primary, windows, open);
     // The primary screen's break window takes the keyboard focus.
-    if (QQuickWindow* primary = findWindow(screenKey(QGuiApplication::primaryScreen()))) {
+    if (primary) {
         primary->raise();
         primary->requestActivate();
     }
