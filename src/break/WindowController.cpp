@@ -384,8 +384,12 @@ void holdKeysWhileFocused(QWindow* focus)
                        }));
 }
 
-// Opens `last` once every other of `windows` has shown its first frame, or after a quarter of a
-// second, whichever comes first, while the break lasts.
+// Counts the breaks shown, so that a wait of one break does nothing in the next.
+int breaksShown = 0;
+
+// Opens `last` and gives it the keyboard once every other of `windows` has handed its first
+// frame to the compositor, or after half a second (a first frame can be slow under load),
+// whichever comes first; only in the same break, and only while its screen is there.
 void openAfterTheOthersFirstFrame(QQuickWindow* last, const QList<QQuickWindow*>& windows,
                                   const std::function<void(QQuickWindow*)>& open)
 {
@@ -395,13 +399,16 @@ void openAfterTheOthersFirstFrame(QQuickWindow* last, const QList<QQuickWindow*>
         bool done = false;
     };
     auto wait = std::make_shared<Wait>();
-    const auto openLast = [wait, last, open] {
+    const auto openLast = [wait, last, open, breakNumber = breaksShown] {
         if (std::exchange(wait->done, true))
             return;
         for (const QMetaObject::Connection& connection : std::as_const(wait->connections))
             QObject::disconnect(connection);
-        if (breakShown)
-            open(last);
+        if (!breakShown || breakNumber != breaksShown || !ownScreen(last))
+            return;
+        open(last);
+        last->raise();
+        last->requestActivate();
     };
     for (QQuickWindow* w : windows) {
         if (w == last)
@@ -416,7 +423,7 @@ void openAfterTheOthersFirstFrame(QQuickWindow* last, const QList<QQuickWindow*>
             },
             Qt::QueuedConnection);
     }
-    QTimer::singleShot(250, last, openLast);
+    QTimer::singleShot(500, last, openLast);
 }
 
 bool showBreak()
@@ -435,6 +442,7 @@ bool showBreak()
     static const auto focusWatch =
         QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &holdKeysWhileFocused);
     breakShown = true;
+    ++breaksShown;
     guard().breakStarts();
     const bool still = ReducedMotion::requested();
     if (still)
@@ -451,19 +459,19 @@ bool showBreak()
     QQuickWindow* primary = findWindow(screenKey(QGuiApplication::primaryScreen()));
     // A compositor that lets no program take the keyboard (a Wayland window without an
     // activation token) gives it to the window it maps last: there the primary screen's window
-    // opens once the others have shown their first frame. Not on the overlay layer, where the
-    // primary's window alone asks for the keyboard.
+    // opens once the others have handed over their first frame. Not on the overlay layer, where
+    // the primary's window alone asks for the keyboard.
     const bool primaryLast = primary && windows.size() > 1 &&
-                             QGuiApplication::platformName() == QLatin1String("wayland") &&
+                             QGuiApplication::platformName().startsWith(QLatin1String("wayland")) &&
                              !(primary->flags() & Qt::BypassWindowManagerHint);
     for (QQuickWindow* w : windows) {
         if (!(primaryLast && w == primary))
             open(w);
     }
-    if (primaryLast)
+    if (primaryLast) {
         openAfterTheOthersFirstFrame(primary, windows, open);
-    // The primary screen's break window takes the keyboard focus.
-    if (primary) {
+    } else if (primary) {
+        // The primary screen's break window takes the keyboard focus.
         primary->raise();
         primary->requestActivate();
     }
