@@ -16,29 +16,16 @@
 namespace WaylandOverlayLayer {
 namespace {
 
-// The layer shell, bound once on Qt's own connection, on an event queue of ours: its events are
-// read when we ask for them, never by Qt's handlers.
-struct Shell {
-    bool lookedFor = false;
-    wl_event_queue* queue = nullptr;
-    zwlr_layer_shell_v1* shell = nullptr;
-};
-Shell bound;
+// The layer shell, bound once on Qt's own connection, its events read when we ask for them.
+QtWaylandConnection::Global
+    layerShell(zwlr_layer_shell_v1_interface, 1,
+               QStringLiteral("breaks cover the screens from the compositor's overlay layer"),
+               QStringLiteral("breaks cover the screens as full-screen windows: the "
+                              "compositor offers no overlay layer"));
 
 zwlr_layer_shell_v1* shell()
 {
-    if (std::exchange(bound.lookedFor, true))
-        return bound.shell;
-    if (!QtWaylandConnection::display())
-        return nullptr;
-    bound.shell = static_cast<zwlr_layer_shell_v1*>(
-        QtWaylandConnection::bind(zwlr_layer_shell_v1_interface, 1, bound.queue));
-    if (bound.shell)
-        logger().info(QStringLiteral("breaks cover the screens from the compositor's overlay layer"));
-    else
-        logger().info(QStringLiteral("breaks cover the screens as full-screen windows: the compositor offers "
-                                     "no overlay layer"));
-    return bound.shell;
+    return static_cast<zwlr_layer_shell_v1*>(layerShell.get());
 }
 
 std::function<void(QWindow*)> whenClosed;
@@ -107,7 +94,7 @@ private:
                                               QByteArrayLiteral("output"), window->screen()))
                                         : nullptr;
         own->layer = zwlr_layer_shell_v1_get_layer_surface(
-            bound.shell, surface, output, ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "lulltide-break");
+            shell(), surface, output, ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "lulltide-break");
         zwlr_layer_surface_v1_add_listener(own->layer, &layerListener, own);
         zwlr_layer_surface_v1_set_anchor(
             own->layer, ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM |
@@ -123,11 +110,11 @@ private:
         // The compositor answers the first commit, made without a frame, with the surface's size;
         // the frame Qt draws next is acknowledged by then.
         wl_surface_commit(surface);
-        wl_display_roundtrip_queue(connection, bound.queue);
+        wl_display_roundtrip_queue(connection, layerShell.queue());
         // Later news (another size, the surface closed) comes as Qt reads its connection; what
         // came in since the roundtrip is read now.
         wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(own->layer), nullptr);
-        wl_display_dispatch_queue_pending(connection, bound.queue);
+        wl_display_dispatch_queue_pending(connection, layerShell.queue());
     }
 
     void forget(QWindow* window)

@@ -14,14 +14,12 @@
 namespace WaylandShortcutsInhibitor {
 namespace {
 
-// The manager, bound once on Qt's own connection, on an event queue of ours: a roundtrip on
-// Qt's queue would run Qt's handlers out of turn.
-struct Manager {
-    bool lookedFor = false;
-    wl_event_queue* queue = nullptr;
-    zwp_keyboard_shortcuts_inhibit_manager_v1* manager = nullptr;
-};
-Manager bound;
+// The manager, bound once on Qt's own connection.
+QtWaylandConnection::Global
+    inhibitManager(zwp_keyboard_shortcuts_inhibit_manager_v1_interface, 1,
+                   QStringLiteral("the compositor's own key bindings wait while a break has the keyboard"),
+                   QStringLiteral("the compositor's own key bindings still act during a break: it offers no "
+                                  "keyboard-shortcuts inhibition"));
 QHash<QWindow*, zwp_keyboard_shortcuts_inhibitor_v1*> inhibitors;
 // What the compositor last said of the break's bindings, so each change is logged once.
 enum class Held { Unknown, Yes, No };
@@ -58,18 +56,7 @@ const zwp_keyboard_shortcuts_inhibitor_v1_listener listener = {heldBack, givenBa
 
 zwp_keyboard_shortcuts_inhibit_manager_v1* manager()
 {
-    if (std::exchange(bound.lookedFor, true))
-        return bound.manager;
-    bound.manager = static_cast<zwp_keyboard_shortcuts_inhibit_manager_v1*>(
-        QtWaylandConnection::bind(zwp_keyboard_shortcuts_inhibit_manager_v1_interface, 1, bound.queue));
-    if (bound.manager)
-        logger().info(
-            QStringLiteral("the compositor's own key bindings wait while a break has the keyboard"));
-    else
-        logger().info(
-            QStringLiteral("the compositor's own key bindings still act during a break: it offers no "
-                           "keyboard-shortcuts inhibition"));
-    return bound.manager;
+    return static_cast<zwp_keyboard_shortcuts_inhibit_manager_v1*>(inhibitManager.get());
 }
 
 } // namespace
@@ -99,7 +86,7 @@ bool inhibit(QWindow* window, std::function<void()> answeredThen)
     // Made through a wrapper on Qt's default queue, so its news is read as Qt reads its own,
     // from its first event on.
     auto* wrapper =
-        static_cast<zwp_keyboard_shortcuts_inhibit_manager_v1*>(wl_proxy_create_wrapper(bound.manager));
+        static_cast<zwp_keyboard_shortcuts_inhibit_manager_v1*>(wl_proxy_create_wrapper(manager()));
     wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(wrapper), nullptr);
     zwp_keyboard_shortcuts_inhibitor_v1* inhibitor =
         zwp_keyboard_shortcuts_inhibit_manager_v1_inhibit_shortcuts(wrapper, surface, seat);

@@ -35,65 +35,74 @@ void globalRemove(void*, wl_registry*, uint32_t) {}
 
 const wl_registry_listener listener = {global, globalRemove};
 
+// A connection of its own to the compositor at WAYLAND_DISPLAY, with the globals found; all
+// that was sent is taken in before it closes.
+struct Connection {
+    wl_display* display = wl_display_connect(nullptr);
+    wl_registry* registry = nullptr;
+    Globals globals;
+
+    Connection()
+    {
+        if (!display)
+            return;
+        registry = wl_display_get_registry(display);
+        wl_registry_add_listener(registry, &listener, &globals);
+        wl_display_roundtrip(display);
+    }
+    ~Connection()
+    {
+        if (!display)
+            return;
+        if (globals.kde)
+            org_kde_kwin_fake_input_destroy(globals.kde);
+        if (globals.wlr)
+            zwlr_virtual_pointer_manager_v1_destroy(globals.wlr);
+        wl_display_roundtrip(display);
+        wl_registry_destroy(registry);
+        wl_display_disconnect(display);
+    }
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+};
+
 } // namespace
 
 bool pressKeys(const QList<quint32>& keys)
 {
-    wl_display* display = wl_display_connect(nullptr);
-    if (!display)
+    Connection connection;
+    org_kde_kwin_fake_input* kde = connection.globals.kde;
+    if (!kde || connection.globals.kdeVersion < 4)
         return false;
-    Globals globals;
-    wl_registry* registry = wl_display_get_registry(display);
-    wl_registry_add_listener(registry, &listener, &globals);
-    wl_display_roundtrip(display);
-    const bool pressed = globals.kde && globals.kdeVersion >= 4;
-    if (pressed) {
-        org_kde_kwin_fake_input_authenticate(globals.kde, "lulltide tests", "a person at the desk");
-        for (quint32 key : keys)
-            org_kde_kwin_fake_input_keyboard_key(globals.kde, key, WL_KEYBOARD_KEY_STATE_PRESSED);
-        for (auto key = keys.crbegin(); key != keys.crend(); ++key)
-            org_kde_kwin_fake_input_keyboard_key(globals.kde, *key, WL_KEYBOARD_KEY_STATE_RELEASED);
-        wl_display_roundtrip(display);
-    }
-    if (globals.kde)
-        org_kde_kwin_fake_input_destroy(globals.kde);
-    if (globals.wlr)
-        zwlr_virtual_pointer_manager_v1_destroy(globals.wlr);
-    wl_display_roundtrip(display);
-    wl_registry_destroy(registry);
-    wl_display_disconnect(display);
-    return pressed;
+    org_kde_kwin_fake_input_authenticate(kde, "lulltide tests", "a person at the desk");
+    for (quint32 key : keys)
+        org_kde_kwin_fake_input_keyboard_key(kde, key, WL_KEYBOARD_KEY_STATE_PRESSED);
+    for (auto key = keys.crbegin(); key != keys.crend(); ++key)
+        org_kde_kwin_fake_input_keyboard_key(kde, *key, WL_KEYBOARD_KEY_STATE_RELEASED);
+    wl_display_roundtrip(connection.display);
+    return true;
 }
 
 bool movePointer()
 {
-    wl_display* display = wl_display_connect(nullptr);
-    if (!display)
-        return false;
-    Globals globals;
-    wl_registry* registry = wl_display_get_registry(display);
-    wl_registry_add_listener(registry, &listener, &globals);
-    wl_display_roundtrip(display);
-    if (globals.kde) {
-        org_kde_kwin_fake_input_authenticate(globals.kde, "lulltide tests", "a person at the desk");
-        org_kde_kwin_fake_input_pointer_motion(globals.kde, wl_fixed_from_int(7), wl_fixed_from_int(5));
-        wl_display_roundtrip(display);
-        org_kde_kwin_fake_input_destroy(globals.kde);
-    } else if (globals.wlr) {
+    Connection connection;
+    if (org_kde_kwin_fake_input* kde = connection.globals.kde) {
+        org_kde_kwin_fake_input_authenticate(kde, "lulltide tests", "a person at the desk");
+        org_kde_kwin_fake_input_pointer_motion(kde, wl_fixed_from_int(7), wl_fixed_from_int(5));
+        wl_display_roundtrip(connection.display);
+        return true;
+    }
+    if (zwlr_virtual_pointer_manager_v1* wlr = connection.globals.wlr) {
         // On the compositor's default seat.
         zwlr_virtual_pointer_v1* pointer =
-            zwlr_virtual_pointer_manager_v1_create_virtual_pointer(globals.wlr, nullptr);
+            zwlr_virtual_pointer_manager_v1_create_virtual_pointer(wlr, nullptr);
         zwlr_virtual_pointer_v1_motion(pointer, 0, wl_fixed_from_int(7), wl_fixed_from_int(5));
         zwlr_virtual_pointer_v1_frame(pointer);
-        wl_display_roundtrip(display);
+        wl_display_roundtrip(connection.display);
         zwlr_virtual_pointer_v1_destroy(pointer);
-        zwlr_virtual_pointer_manager_v1_destroy(globals.wlr);
+        return true;
     }
-    const bool moved = globals.kde || globals.wlr;
-    wl_display_roundtrip(display);
-    wl_registry_destroy(registry);
-    wl_display_disconnect(display);
-    return moved;
+    return false;
 }
 
 } // namespace FakeInput
