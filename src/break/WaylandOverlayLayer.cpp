@@ -74,7 +74,6 @@ public:
 
     QHash<QWindow*, Layer*> layers;
 
-private:
     void place(QWindow* window)
     {
         QPlatformNativeInterface* native = QtWaylandConnection::native();
@@ -144,6 +143,12 @@ bool adopt(QWindow* window, std::function<void(QWindow*)> closed)
     placer()->layers.insert(window, nullptr);
     whenClosed = std::move(closed);
     return true;
+}
+
+void placeShown(QWindow* window)
+{
+    if (placer()->layers.contains(window) && window->isVisible())
+        placer()->place(window);
 }
 
 } // namespace WaylandOverlayLayer

@@ -21,4 +21,9 @@ namespace WaylandOverlayLayer {
 // screen.
 bool adopt(QWindow* window, std::function<void(QWindow*)> closed);
 
+// Gives an adopted window's surface its place at once, right after the show that made it and
+// before the event loop runs again: the first expose alone can come after the renderer has
+// already drawn into it, which the compositor refuses.
+void placeShown(QWindow* window);
+
 } // namespace WaylandOverlayLayer

@@ -103,6 +103,7 @@ void present(QQuickWindow* window)
     WaylandShortcutsInhibitor::forget(window);
     window->setProperty(keysAskedName, false);
     window->setVisible(true);
+    WaylandOverlayLayer::placeShown(window);
     window->raise();
     // A surface of the overlay layer gets the keyboard without Qt's focus, and the compositors
     // that offer the layer answer at once: asked now. A full-screen window is asked for once it
