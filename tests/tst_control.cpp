@@ -133,6 +133,15 @@ class ControlTest : public QObject {
         return QString::fromUtf8(name.readAllStandardOutput()).trimmed();
     }
 
+    // xprop's line for the window's opacity: "not found" for a window drawn whole.
+    static QString windowOpacity(const QString& window)
+    {
+        QProcess xprop;
+        xprop.start("xprop", {"-id", window, "_NET_WM_WINDOW_OPACITY"});
+        xprop.waitForFinished(10000);
+        return QString::fromUtf8(xprop.readAllStandardOutput()).trimmed();
+    }
+
     QVariant property(const QString& name)
     {
         QDBusMessage call =
@@ -723,6 +732,11 @@ private slots:
             return now.size() == 1 && now != first && !visibleWindows(instance).isEmpty();
         };
         QTRY_VERIFY_WITH_TIMEOUT(anotherCovers(), 10000);
+        // Back whole at once, not faded in from nothing: the break has been on screen all along.
+        for (const QString& window : visibleWindows(instance)) {
+            const QString opacity = windowOpacity(window);
+            QVERIFY2(!opacity.contains(" = ") || opacity.endsWith(" = 4294967295"), qPrintable(opacity));
+        }
         QVERIFY(status().startsWith("break "));
         QVERIFY(instance.log().contains("the break screen ended during the break: starting it again"));
         // Skip on the new one still ends the break.

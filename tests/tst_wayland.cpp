@@ -751,6 +751,35 @@ private slots:
         terminal.waitForFinished();
     }
 
+    // weston's Super+K kills the program whose window has the keyboard: that is the break
+    // screen's process, which the program starts again at once.
+    void onWestonSuperKEndsTheBreakScreensProcessAndTheBreakCoversBothOutputsAgain()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        QTRY_VERIFY_WITH_TIMEOUT(CoveredOutputs::covered(screen()), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(status(instance).startsWith("break "), 5000);
+        // weston takes keys from the X window of its first output, through the X server.
+        QString output;
+        for (const QString& line : onX("xwininfo", {"-root", "-children"}).split('\n')) {
+            if (line.contains("\"Weston Compositor - screen0\""))
+                output = line.trimmed().section(' ', 0, 0);
+        }
+        QVERIFY(!output.isEmpty());
+        onX("xdotool", {"windowfocus", "--sync", output});
+        onX("xdotool", {"key", "super+k"});
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            instance.log().contains("the break screen ended during the break: starting it again"),
+            qPrintable(instance.log().right(900)), 5000);
+        // A new process, not a put-back: about one and a half seconds on a quiet machine, without
+        // the fade of a break's start; more under load.
+        QTRY_VERIFY_WITH_TIMEOUT(CoveredOutputs::covered(screen()), 10000);
+        QCOMPARE(instance.process.state(), QProcess::Running);
+        QVERIFY(status(instance).startsWith("break "));
+        run(LULLTIDE_BINARY, {"--skip"}, onWayland(instance.home.path()));
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(screen()), 0, 5000);
+    }
+
     void onSwayAFullScreenWindowOfAnotherProgramHoldsTheBreakUntilItLeavesFullScreen()
     {
         QProcess other;

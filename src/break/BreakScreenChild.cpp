@@ -68,7 +68,11 @@ void BreakScreenChild::apply(const QJsonObject& message)
     m_state.setCountdown(message.value(QStringLiteral("length")).toDouble(),
                          message.value(QStringLiteral("left")).toDouble());
     if (!WindowController::isBreakShown()) {
-        if (!WindowController::showBreak()) {
+        // A process started again during a break (the last one ended) shows a break that has
+        // been on screen all along: at once, without the fade of its start.
+        const bool again = message.value(QStringLiteral("again")).toBool();
+        if (!WindowController::showBreak(again ? WindowController::Entrance::AtOnce
+                                               : WindowController::Entrance::FadeIn)) {
             QCoreApplication::exit(ViewCannotBeMade);
             return;
         }

@@ -63,6 +63,7 @@ bool BreakScreenProcess::showWindows()
     if (m_broken)
         return false;
     m_shown = true;
+    m_startedAgain = false;
     if (!m_process)
         start();
     sendState();
@@ -131,6 +132,7 @@ void BreakScreenProcess::sendNow()
         {QStringLiteral("kind"), prompt.kindName()},
         {QStringLiteral("length"), AppState::breakState().length()},
         {QStringLiteral("left"), AppState::breakState().secondsLeft()},
+        {QStringLiteral("again"), m_startedAgain},
     });
 }
 
@@ -170,6 +172,7 @@ void BreakScreenProcess::ended(int exitCode, QProcess::ExitStatus status)
     if (m_shown) {
         // Ending the break-screen process does not end the break.
         logger().warning(QStringLiteral("the break screen ended during the break: starting it again"));
+        m_startedAgain = true;
         start();
         sendState();
     } else {

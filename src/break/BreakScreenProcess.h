@@ -54,6 +54,8 @@ private:
     ViewProcess* m_process = nullptr;
     bool m_shown = false;
     bool m_ready = false;
+    // Whether the process was started again during the break that is on screen.
+    bool m_startedAgain = false;
     int m_failedStarts = 0;
     bool m_broken = false;
     bool m_sendQueued = false;

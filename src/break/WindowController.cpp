@@ -427,7 +427,7 @@ void openAfterTheOthersFirstFrame(QQuickWindow* last, const QList<QQuickWindow*>
     QTimer::singleShot(500, last, openLast);
 }
 
-bool showBreak()
+bool showBreak(Entrance entrance)
 {
     QList<QQuickWindow*> windows;
     for (QScreen* screen : QGuiApplication::screens()) {
@@ -445,10 +445,12 @@ bool showBreak()
     breakShown = true;
     ++breaksShown;
     guard().breakStarts();
-    const bool still = ReducedMotion::requested();
-    if (still)
+    bool still = entrance == Entrance::AtOnce;
+    if (!still && ReducedMotion::requested()) {
         logger().info(
             QStringLiteral("the break appears without its fade: the desktop asks for less animation"));
+        still = true;
+    }
     const auto open = [still](QQuickWindow* w) {
         guard().watch(w);
         stopFade(w);

@@ -21,10 +21,15 @@ void setViewState(QObject* prompt, QObject* countdown);
 // at once when it comes. False when the view cannot be made.
 bool prepareBreak();
 
-// Shows (creating when needed) a break window on every screen, fades it in over one second
-// and gives the primary screen's one the keyboard focus. False, with nothing shown, when the
-// break screen cannot be made (a broken installation).
-bool showBreak();
+// How a break window appears: faded in over one second, or at once (a break already under way,
+// shown again).
+enum class Entrance { FadeIn, AtOnce };
+
+// Shows (creating when needed) a break window on every screen, fades it in (unless told
+// otherwise or the desktop asks for less animation) and gives the primary screen's one the
+// keyboard focus. False, with nothing shown, when the break screen cannot be made (a broken
+// installation).
+bool showBreak(Entrance entrance = Entrance::FadeIn);
 
 // Fades out and closes the break window of every screen (a screen without one gets one,
 // closed at once), and closes the windows of screens that went away during the break.
