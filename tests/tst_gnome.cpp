@@ -17,6 +17,7 @@
 #include <QTemporaryDir>
 
 #include <functional>
+#include <initializer_list>
 
 namespace {
 
@@ -111,13 +112,20 @@ class GnomeTest : public QObject {
         return QImage(shot);
     }
 
-    // A key pressed and released, as a keyboard does.
-    void press(uint keysym)
+    // Keys pressed one after the other and let go in the reverse order, as a hand does.
+    void press(std::initializer_list<uint> keysyms)
     {
-        for (bool down : {true, false})
+        const QList<uint> keys(keysyms);
+        const auto send = [this](uint keysym, bool down) {
             call("org.gnome.Mutter.RemoteDesktop", keyboardSession, "org.gnome.Mutter.RemoteDesktop.Session",
                  "NotifyKeyboardKeysym", {keysym, down});
+        };
+        for (uint keysym : keys)
+            send(keysym, true);
+        for (auto keysym = keys.crbegin(); keysym != keys.crend(); ++keysym)
+            send(*keysym, false);
     }
+    void press(uint keysym) { press({keysym}); }
 
     // Every text on the shell's modal dialogs on screen now, joined by "|".
     static QString dialogTexts()
@@ -307,6 +315,26 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(eval("Main.overview.visible"), QString("true"), 5000);
         eval("Main.overview.hide()");
         QTRY_COMPARE_WITH_TIMEOUT(eval("Main.overview.visible"), QString("false"), 5000);
+    }
+
+    void onGnomeSuperEscapeGivesTheShellItsKeysBackDuringABreak()
+    {
+        allowHoldingShortcuts();
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n");
+        const QString held = "the compositor holds its key bindings back for the break";
+        QTRY_VERIFY_WITH_TIMEOUT(instance.log().contains(held), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(CoveredOutputs::covered(screen()), 5000);
+        // The shell's own way out of a program that holds its keys: it tells the program so.
+        press({superKey, escapeKey});
+        QTRY_VERIFY_WITH_TIMEOUT(
+            instance.log().contains("the compositor's key bindings act during this break"), 5000);
+        press(superKey);
+        QTRY_COMPARE_WITH_TIMEOUT(eval("Main.overview.visible"), QString("true"), 5000);
+        eval("Main.overview.hide()");
+        CoveredOutputs::within2s(instance, "the overview closed", [this] { return screen(); });
+        QVERIFY(status(instance).startsWith("break "));
+        run({"--pause"}, instance.home.path());
     }
 
     void onGnomeTheKeyboardIsOnThePrimaryMonitorsBreak()

@@ -83,8 +83,12 @@ bool BreakWindowGuard::eventFilter(QObject* watched, QEvent* event)
         break;
     case QEvent::Expose:
         // Shown but not exposed: unmapped behind the program's back (another desktop or
-        // workspace, a minimise that came as an unmap).
-        if (window->isVisible() && !window->isExposed())
+        // workspace, a minimise that came as an unmap). Not a window of the compositor's
+        // overlay layer (the only break windows that bypass the window manager): it stays
+        // mapped until the compositor closes it, which the layer tells, and reads as unexposed
+        // only when the compositor's frame callbacks are late (KWin's desktop switch, a loaded
+        // machine); opening it anew would only let the keys through while it is gone.
+        if (window->isVisible() && !window->isExposed() && !(window->flags() & Qt::BypassWindowManagerHint))
             schedule(window, QStringLiteral("unmapped"));
         break;
     case QEvent::Move:
