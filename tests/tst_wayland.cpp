@@ -250,6 +250,16 @@ class WaylandTest : public QObject {
         QDBusConnection::sessionBus().call(call, QDBus::Block, 10000);
     }
 
+    // The effects KWin is drawing now ("overview", "desktopgrid").
+    static QStringList kwinActiveEffects()
+    {
+        QDBusMessage call =
+            QDBusMessage::createMethodCall("org.kde.KWin", "/Effects", "org.freedesktop.DBus.Properties", "Get");
+        call << "org.kde.kwin.Effects" << "activeEffects";
+        const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, 10000);
+        return qdbus_cast<QStringList>(reply.arguments().value(0).value<QDBusVariant>().variant());
+    }
+
     static QDBusMessage kwinDesktopCall(const char* method, const QVariantList& arguments = {})
     {
         QDBusMessage call = QDBusMessage::createMethodCall("org.kde.KWin", "/KWin", "org.kde.KWin", method);
@@ -698,6 +708,28 @@ private slots:
         swaymsg({"workspace", "number", workspace});
     }
 
+    // KWin's overview and desktop grid are KWin's own drawing over every surface. Their keys
+    // (Meta+W, Meta+F8) are held back during a break; opened some other way (here through KWin's
+    // D-Bus call for its shortcuts), they show the break small beside the desktops until they close.
+    void onKWinTheOverviewAndTheDesktopGridShowTheBreakSmallUntilTheyClose()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n", kwinSocket);
+        QTRY_VERIFY_WITH_TIMEOUT(CoveredOutputs::covered(kwinScreen()), 15000);
+        for (const auto& [action, effect] :
+             {std::pair{"Overview", "overview"}, std::pair{"ShowDesktopGrid", "desktopgrid"}}) {
+            kwinAction(action);
+            QTRY_VERIFY_WITH_TIMEOUT(kwinActiveEffects().contains(effect), 5000);
+            QTRY_VERIFY_WITH_TIMEOUT(!CoveredOutputs::covered(kwinScreen()), 5000);
+            kwinAction(action);
+            QTRY_VERIFY_WITH_TIMEOUT(!kwinActiveEffects().contains(effect), 5000);
+            CoveredOutputs::within2s(instance, QString(effect) + " closed", [this] { return kwinScreen(); });
+        }
+        QVERIFY(status(instance).startsWith("break "));
+        run(LULLTIDE_BINARY, {"--skip"}, onWayland(instance.home.path()));
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(kwinScreen()), 0, 10000);
+    }
+
     void onKWinCtrlF2DoesNotReachKWinDuringABreakAndDoesAfterIt()
     {
         const auto firstDesktopAgain = qScopeGuard([] { kwinDesktopCall("setCurrentDesktop", {1}); });
@@ -711,7 +743,10 @@ private slots:
         constexpr quint32 ctrl = 29;
         constexpr quint32 f2 = 60;
         constexpr quint32 enter = 28;
+        constexpr quint32 meta = 125;
+        constexpr quint32 w = 17;
         QVERIFY(FakeInput::pressKeys({ctrl, f2}));
+        QVERIFY(FakeInput::pressKeys({meta, w})); // the overview
         // Then Enter on the break's focused Skip: KWin has taken in each press before pressKeys
         // returns, so once the break is skipped, Ctrl+F2 has been and gone. (Keys in the break's first half
         // second are taken for typing and do nothing: Enter is pressed again until it acts.)
@@ -724,6 +759,7 @@ private slots:
                      10000),
                  qPrintable(instance.log().right(900)));
         QCOMPARE(kwinDesktopCall("currentDesktop").arguments().value(0).toInt(), 1);
+        QVERIFY(!kwinActiveEffects().contains("overview"));
 
         // After the break the keys are KWin's again (pressed again until the break's process,
         // which may still hold them as it ends, has gone).
@@ -734,6 +770,10 @@ private slots:
                     [] { return kwinDesktopCall("currentDesktop").arguments().value(0).toInt() == 2; }, 1000);
             },
             10000));
+        QVERIFY(FakeInput::pressKeys({meta, w}));
+        QTRY_VERIFY_WITH_TIMEOUT(kwinActiveEffects().contains("overview"), 5000);
+        kwinAction("Overview");
+        QTRY_VERIFY_WITH_TIMEOUT(!kwinActiveEffects().contains("overview"), 5000);
     }
 
     void onWestonABreakCoversAWindowOpenedDuringIt()
