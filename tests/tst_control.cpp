@@ -785,7 +785,8 @@ private slots:
         QVERIFY2(refused.err.startsWith("Postponing breaks is off"), qPrintable(refused.err));
 
         // As a screen reader's user (or a click) ticks the box in the settings window's process.
-        QTRY_VERIFY_WITH_TIMEOUT(TestSupport::atspi({}).contains("check box 'Allow postponing breaks'"), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(TestSupport::atspi({}).contains("check box 'Allow postponing breaks'"),
+                                 20000);
         const QString done = TestSupport::atspi({"--do", "check box", "Allow postponing breaks", "Toggle"});
         QVERIFY2(done.startsWith("Toggle True"), qPrintable(done));
         // Asked until the change arrives, and not again once it has (QTRY checks once more at the end).
@@ -833,7 +834,8 @@ private slots:
             QVERIFY2(found.contains(QStringLiteral("page tab '%1'").arg(QLatin1String(tab))), tab);
         // One application per process (the settings window's and the counting one), not one per
         // application object a process made.
-        const QRegularExpression application("^application '[^']*' pid (\\d+)$", QRegularExpression::MultilineOption);
+        const QRegularExpression application("^application '[^']*' pid (\\d+)$",
+                                             QRegularExpression::MultilineOption);
         QStringList pids;
         for (const QRegularExpressionMatch& match : application.globalMatch(found))
             pids << match.captured(1);

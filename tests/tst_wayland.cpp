@@ -253,9 +253,10 @@ class WaylandTest : public QObject {
     // The effects KWin is drawing now ("overview", "desktopgrid").
     static QStringList kwinActiveEffects()
     {
-        QDBusMessage call =
-            QDBusMessage::createMethodCall("org.kde.KWin", "/Effects", "org.freedesktop.DBus.Properties", "Get");
-        call << "org.kde.kwin.Effects" << "activeEffects";
+        QDBusMessage call = QDBusMessage::createMethodCall("org.kde.KWin", "/Effects",
+                                                           "org.freedesktop.DBus.Properties", "Get");
+        call << "org.kde.kwin.Effects"
+             << "activeEffects";
         const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, 10000);
         return qdbus_cast<QStringList>(reply.arguments().value(0).value<QDBusVariant>().variant());
     }
