@@ -414,6 +414,11 @@ private slots:
                 return;
         }
         QVERIFY(status(instance).startsWith("break "));
+        // The keyboard is on the primary monitor's break window, not the other program's.
+        QTRY_COMPARE_WITH_TIMEOUT(eval("global.display.focus_window.get_title() !== 'another program' && "
+                                       "global.display.focus_window.get_monitor() === "
+                                       "global.display.get_primary_monitor()"),
+                                  QString("true"), 5000);
         other.kill();
         other.waitForFinished();
 

@@ -99,11 +99,7 @@ void BreakScreenChild::leave()
 
 void BreakScreenChild::tellWhenDrawn()
 {
-    QList<QQuickWindow*> windows;
-    for (QWindow* window : QGuiApplication::allWindows()) {
-        if (auto* quickWindow = qobject_cast<QQuickWindow*>(window); quickWindow && window->isVisible())
-            windows << quickWindow;
-    }
+    const QList<QQuickWindow*> windows = WindowController::breakWindows();
     auto waiting = std::make_shared<qsizetype>(windows.size());
     for (QQuickWindow* window : windows) {
         connect(

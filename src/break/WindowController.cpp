@@ -351,6 +351,18 @@ bool isBreakShown()
     return breakShown;
 }
 
+QList<QQuickWindow*> breakWindows()
+{
+    QList<QQuickWindow*> windows;
+    if (!breakShown)
+        return windows;
+    for (QScreen* screen : QGuiApplication::screens()) {
+        if (QQuickWindow* w = findWindow(screenKey(screen)))
+            windows << w;
+    }
+    return windows;
+}
+
 void setViewState(QObject* prompt, QObject* countdown)
 {
     viewPrompt = prompt;

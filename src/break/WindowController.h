@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QList>
+
 class QObject;
 class QScreen;
 class QQuickWindow;
@@ -37,6 +39,10 @@ void closeBreak();
 
 // Whether the break windows are up (from showBreak() until closeBreak()).
 bool isBreakShown();
+
+// The break window of every screen, for the break that is up: shown, or about to be (on Wayland
+// the primary screen's may open a moment after the others).
+QList<QQuickWindow*> breakWindows();
 
 // The screen's identifier, which is also the key of its break window (and on X11 its role,
 // "break-" and the key): its name, "0" when empty. (When two screens share one, the key of the
