@@ -68,8 +68,8 @@ void BreakScreenChild::apply(const QJsonObject& message)
     m_state.setCountdown(message.value(QStringLiteral("length")).toDouble(),
                          message.value(QStringLiteral("left")).toDouble());
     if (!WindowController::isBreakShown()) {
-        // A process started again during a break (the last one ended) shows a break that has
-        // been on screen all along: at once, without the fade of its start.
+        // A process started again during a break (the last one ended after drawing it) shows a
+        // break that has been on screen all along: at once, without the fade of its start.
         const bool again = message.value(QStringLiteral("again")).toBool();
         if (!WindowController::showBreak(again ? WindowController::Entrance::AtOnce
                                                : WindowController::Entrance::FadeIn)) {

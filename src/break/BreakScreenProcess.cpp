@@ -63,7 +63,7 @@ bool BreakScreenProcess::showWindows()
     if (m_broken)
         return false;
     m_shown = true;
-    m_startedAgain = false;
+    m_seen = false;
     if (!m_process)
         start();
     sendState();
@@ -132,7 +132,7 @@ void BreakScreenProcess::sendNow()
         {QStringLiteral("kind"), prompt.kindName()},
         {QStringLiteral("length"), AppState::breakState().length()},
         {QStringLiteral("left"), AppState::breakState().secondsLeft()},
-        {QStringLiteral("again"), m_startedAgain},
+        {QStringLiteral("again"), m_seen},
     });
 }
 
@@ -146,6 +146,7 @@ void BreakScreenProcess::received(const QJsonObject& message)
     if (!m_shown)
         return;
     if (message.value(QStringLiteral("drawn")).toBool()) {
+        m_seen = true;
         emit drawn();
         return;
     }
@@ -172,7 +173,6 @@ void BreakScreenProcess::ended(int exitCode, QProcess::ExitStatus status)
     if (m_shown) {
         // Ending the break-screen process does not end the break.
         logger().warning(QStringLiteral("the break screen ended during the break: starting it again"));
-        m_startedAgain = true;
         start();
         sendState();
     } else {

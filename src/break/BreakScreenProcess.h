@@ -54,8 +54,9 @@ private:
     ViewProcess* m_process = nullptr;
     bool m_shown = false;
     bool m_ready = false;
-    // Whether the process was started again during the break that is on screen.
-    bool m_startedAgain = false;
+    // Whether the break that is on now has been drawn on every screen (by this process or one
+    // that ended during it): a process started again for it shows it at once.
+    bool m_seen = false;
     int m_failedStarts = 0;
     bool m_broken = false;
     bool m_sendQueued = false;

@@ -114,7 +114,10 @@ void BreakWindowGuard::schedule(QQuickWindow* window, const QString& why)
 bool BreakWindowGuard::inPlace(const QQuickWindow* window) const
 {
     const Qt::WindowStates states = window->windowStates();
-    return window->isVisible() && window->isExposed() && (states & Qt::WindowFullScreen) &&
+    // (A surface of the overlay layer is on screen while it is shown, exposed or not: see the
+    // Expose case above.)
+    const bool onScreen = window->isExposed() || (window->flags() & Qt::BypassWindowManagerHint);
+    return window->isVisible() && onScreen && (states & Qt::WindowFullScreen) &&
            !(states & Qt::WindowMinimized) && window->geometry().contains(m_host.frameOf(window));
 }
 
