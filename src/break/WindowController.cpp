@@ -397,6 +397,20 @@ void holdKeysWhileFocused(QWindow* focus)
                        }));
 }
 
+// A Wayland program learns that its window went out of sight (minimised, on another workspace)
+// only when the compositor stops answering its frames, and a break window draws once a second.
+// What takes a window out of sight moves the keyboard too: then every full-screen break window
+// draws at once, so that one out of sight is found 400 ms later rather than up to 1.4 s.
+void drawAfterFocusChange()
+{
+    if (!breakShown || !QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        return;
+    for (QQuickWindow* window : shownBreakWindows()) {
+        if (!(window->flags() & Qt::BypassWindowManagerHint))
+            window->update();
+    }
+}
+
 // Counts the breaks shown, so that a wait of one break does nothing in the next.
 int breaksShown = 0;
 
@@ -454,6 +468,8 @@ bool showBreak(Entrance entrance)
     }
     static const auto focusWatch =
         QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &holdKeysWhileFocused);
+    static const auto frameKick =
+        QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &drawAfterFocusChange);
     breakShown = true;
     ++breaksShown;
     guard().breakStarts();
