@@ -340,8 +340,10 @@ private slots:
                  qPrintable(instance.log().right(900)));
         QCOMPARE(eval("Main.overview.visible"), QString("false"));
 
-        // After the break Super is the shell's again.
+        // After the break Super is the shell's again, once the break's process (which holds the
+        // keys while it lasts) has ended: paused, no other is started.
         run({"--pause"}, instance.home.path());
+        QTRY_COMPARE_WITH_TIMEOUT(TestSupport::processTree(instance.process.processId()).size(), 1, 20000);
         press(superKey);
         QTRY_COMPARE_WITH_TIMEOUT(eval("Main.overview.visible"), QString("true"), 5000);
         eval("Main.overview.hide()");
