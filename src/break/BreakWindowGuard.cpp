@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "BreakWindowGuard.h"
 
+#include "WaylandOverlayLayer.h"
 #include "logging/Logger.h"
 
 #include <QCloseEvent>
@@ -84,11 +85,11 @@ bool BreakWindowGuard::eventFilter(QObject* watched, QEvent* event)
     case QEvent::Expose:
         // Shown but not exposed: unmapped behind the program's back (another desktop or
         // workspace, a minimise that came as an unmap). Not a window of the compositor's
-        // overlay layer (the only break windows that bypass the window manager): it stays
+        // overlay layer: it stays
         // mapped until the compositor closes it, which the layer tells, and reads as unexposed
         // only when the compositor's frame callbacks are late (KWin's desktop switch, a loaded
         // machine); opening it anew would only let the keys through while it is gone.
-        if (window->isVisible() && !window->isExposed() && !(window->flags() & Qt::BypassWindowManagerHint))
+        if (window->isVisible() && !window->isExposed() && !WaylandOverlayLayer::holds(window))
             schedule(window, QStringLiteral("unmapped"));
         break;
     case QEvent::Move:
@@ -116,7 +117,7 @@ bool BreakWindowGuard::inPlace(const QQuickWindow* window) const
     const Qt::WindowStates states = window->windowStates();
     // (A surface of the overlay layer is on screen while it is shown, exposed or not: see the
     // Expose case above.)
-    const bool onScreen = window->isExposed() || (window->flags() & Qt::BypassWindowManagerHint);
+    const bool onScreen = window->isExposed() || WaylandOverlayLayer::holds(window);
     return window->isVisible() && onScreen && (states & Qt::WindowFullScreen) &&
            !(states & Qt::WindowMinimized) && window->geometry().contains(m_host.frameOf(window));
 }

@@ -145,6 +145,12 @@ bool adopt(QWindow* window, std::function<void(QWindow*)> closed)
     return true;
 }
 
+bool holds(const QWindow* window)
+{
+    // (Only adopted windows bypass the window manager.)
+    return window->flags() & Qt::BypassWindowManagerHint;
+}
+
 void placeShown(QWindow* window)
 {
     if (placer()->layers.contains(window) && window->isVisible())

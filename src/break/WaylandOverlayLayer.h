@@ -21,6 +21,9 @@ namespace WaylandOverlayLayer {
 // screen.
 bool adopt(QWindow* window, std::function<void(QWindow*)> closed);
 
+// Whether the window is one of the overlay layer's (adopted where the compositor offers it).
+bool holds(const QWindow* window);
+
 // Gives an adopted window's surface its place at once, right after the show that made it and
 // before the event loop runs again: the first expose alone can come after the renderer has
 // already drawn into it, which the compositor refuses.

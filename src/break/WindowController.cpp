@@ -108,7 +108,7 @@ void present(QQuickWindow* window)
     // A surface of the overlay layer gets the keyboard without Qt's focus, and the compositors
     // that offer the layer answer at once: asked now. A full-screen window is asked for once it
     // has the keyboard (holdKeysWhileFocused).
-    if (window->flags() & Qt::BypassWindowManagerHint)
+    if (WaylandOverlayLayer::holds(window))
         window->setProperty(keysAskedName, WaylandShortcutsInhibitor::inhibit(window));
 }
 
@@ -406,7 +406,7 @@ void drawAfterFocusChange()
     if (!breakShown || !QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
         return;
     for (QQuickWindow* window : shownBreakWindows()) {
-        if (!(window->flags() & Qt::BypassWindowManagerHint))
+        if (!WaylandOverlayLayer::holds(window))
             window->update();
     }
 }
@@ -494,7 +494,7 @@ bool showBreak(Entrance entrance)
     // the primary's window alone asks for the keyboard.
     const bool primaryLast = primary && windows.size() > 1 &&
                              QGuiApplication::platformName().startsWith(QLatin1String("wayland")) &&
-                             !(primary->flags() & Qt::BypassWindowManagerHint);
+                             !WaylandOverlayLayer::holds(primary);
     for (QQuickWindow* w : windows) {
         if (!(primaryLast && w == primary))
             open(w);
