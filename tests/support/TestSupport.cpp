@@ -28,9 +28,9 @@ namespace TestSupport {
 
 QString isolateUserDirs()
 {
-    static QTemporaryDir* root =
-        new QTemporaryDir(QDir::tempPath() + QStringLiteral("/lulltide-test-XXXXXX"));
-    QString home = root->path();
+    // Removed when the test program ends, with whatever the program under test left in it.
+    static QTemporaryDir root(QDir::tempPath() + QStringLiteral("/lulltide-test-XXXXXX"));
+    QString home = root.path();
     qputenv("HOME", home.toUtf8());
     qputenv("XDG_CONFIG_HOME", (home + QStringLiteral("/.config")).toUtf8());
     qputenv("XDG_CACHE_HOME", (home + QStringLiteral("/.cache")).toUtf8());
