@@ -283,7 +283,7 @@ private slots:
         const auto old = rawName(directory, id.toStdString() + ".2026" + notUtf8 + "1101.log");
         const auto todays =
             rawName(directory, id.toStdString() + '.' + notUtf8 + '.' + today.toStdString() + ".log");
-        const auto foreign = rawName(directory, std::string("other.") + notUtf8 + ".20261101.log");
+        const auto foreign = rawName(directory, "other." + std::string(1, notUtf8) + ".20261101.log");
         for (const auto& path : {old, todays, foreign})
             std::ofstream(path).put('x');
         QVERIFY(std::filesystem::exists(old));
