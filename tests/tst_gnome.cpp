@@ -316,7 +316,7 @@ private slots:
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n");
         // The shell asks, over the break, naming Lulltide.
-        QTRY_VERIFY_WITH_TIMEOUT(questionOpen(), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(questionOpen(), 30000);
         QVERIFY2(dialogTexts().contains("Lulltide"), qPrintable(dialogTexts()));
         QVERIFY(status(instance).startsWith("break "));
         const QString held = "the compositor holds its key bindings back for the break";
@@ -341,7 +341,7 @@ private slots:
         forgetShortcutsAnswer();
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n");
-        QTRY_VERIFY_WITH_TIMEOUT(questionOpen(), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(questionOpen(), 30000);
         // Escape answers Deny, kept as the answer; pressed again while the question is still
         // open, as a loaded shell can miss the first.
         QVERIFY2(QTest::qWaitFor(
