@@ -709,6 +709,27 @@ private slots:
         swaymsg({"workspace", "number", workspace});
     }
 
+    // Enter on the break's focused Skip ends it, as it does for a person at a keyboard. Sway's
+    // headless seat has a keyboard only while wtype runs, as if one were plugged in: held for
+    // 1.5 s, it gives the break's surface the keyboard and lets its keys arm before Enter.
+    void onSwayEnterOnTheFocusedSkipEndsTheBreak()
+    {
+        Instance instance;
+        start(instance, "work_time=0.05\nbreak_time=200\n", swayDisplay);
+        const int all = int(CoveredOutputs::edges().size());
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(swayScreen()), all, 15000);
+        // Pressed again should a loaded machine give the break the keyboard later than that.
+        QVERIFY2(QTest::qWaitFor(
+                     [&] {
+                         run("wtype", {"-s", "1500", "-k", "Return"}, clientOfSway());
+                         return QTest::qWaitFor([&] { return instance.log().contains("skip break view"); },
+                                                2000);
+                     },
+                     20000),
+                 qPrintable(instance.log().right(900)));
+        QTRY_COMPARE_WITH_TIMEOUT(CoveredOutputs::whitePoints(swayScreen()), 0, 10000);
+    }
+
     // KWin's overview and desktop grid are KWin's own drawing over every surface. Their keys are
     // held back during a break (see the Ctrl+F2 test); opened some other way (here through KWin's
     // D-Bus call for its shortcuts), they show the break small beside the desktops until they close.
