@@ -85,10 +85,10 @@ bool BreakWindowGuard::eventFilter(QObject* watched, QEvent* event)
     case QEvent::Expose:
         // Shown but not exposed: unmapped behind the program's back (another desktop or
         // workspace, a minimise that came as an unmap). Not a window of the compositor's
-        // overlay layer: it stays
-        // mapped until the compositor closes it, which the layer tells, and reads as unexposed
-        // only when the compositor's frame callbacks are late (KWin's desktop switch, a loaded
-        // machine); opening it anew would only let the keys through while it is gone.
+        // overlay layer: it stays mapped until the compositor closes it, which the layer tells,
+        // and reads as unexposed only when the compositor's frame callbacks are late (KWin's
+        // desktop switch, a loaded machine); opening it anew would only let the keys through
+        // while it is gone.
         if (window->isVisible() && !window->isExposed() && !WaylandOverlayLayer::holds(window))
             schedule(window, QStringLiteral("unmapped"));
         break;
