@@ -159,6 +159,20 @@ class GnomeTest : public QObject {
                     "imports.ui.modalDialog.State.OPENED)") == "true";
     }
 
+    // Waits up to 30 s for the shell's question. If it never comes, says what the shell showed
+    // and which window had the keyboard (the shell asks once a break window has it); else nothing.
+    static QString questionMissing(const Instance& instance)
+    {
+        if (QTest::qWaitFor(&questionOpen, 30000))
+            return QString();
+        return "no question; the shell's dialogs: " + dialogTexts() + "\nits windows: " +
+               eval("global.get_window_actors().map(actor => actor.meta_window).map(window =>"
+                    " window.get_title() + ' on ' + window.get_monitor() +"
+                    " (window.has_focus() ? ' (focused)' : '') +"
+                    " (window.minimized ? ' (minimised)' : '')).join(', ')") +
+               "\nLulltide's log:\n" + instance.log().right(2000);
+    }
+
     // What the shell keeps of its question whether Lulltide may hold the shell's key bindings.
     static QStringList shortcutsAnswer()
     {
@@ -321,7 +335,8 @@ private slots:
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n");
         // The shell asks, over the break, naming Lulltide.
-        QTRY_VERIFY_WITH_TIMEOUT(questionOpen(), 30000);
+        const QString missing = questionMissing(instance);
+        QVERIFY2(missing.isEmpty(), qPrintable(missing));
         QVERIFY2(dialogTexts().contains("Lulltide"), qPrintable(dialogTexts()));
         QVERIFY(status(instance).startsWith("break "));
         const QString held = "the compositor holds its key bindings back for the break";
@@ -346,7 +361,17 @@ private slots:
         forgetShortcutsAnswer();
         Instance instance;
         start(instance, "work_time=0.05\nbreak_time=200\n");
-        QTRY_VERIFY_WITH_TIMEOUT(questionOpen(), 30000);
+        const QString missing = questionMissing(instance);
+        QVERIFY2(missing.isEmpty(), qPrintable(missing));
+        // The question has the keyboard, and the break leaves it there: taking the focus back
+        // would close the question with the break window it is about. (Seen once the break's
+        // countdown has moved on twice, well after the break would have acted.)
+        for (int tick = 0; tick < 2; ++tick) {
+            const QString before = status(instance);
+            QTRY_VERIFY_WITH_TIMEOUT(status(instance) != before, 5000);
+        }
+        QVERIFY2(!instance.log().contains("the break took the focus back"),
+                 qPrintable(instance.log().right(1500)));
         // Escape answers Deny, kept as the answer; pressed again while the question is still
         // open, as a loaded shell can miss the first.
         QVERIFY2(QTest::qWaitFor(

@@ -2,6 +2,7 @@
 #include "BreakWindowGuard.h"
 
 #include "WaylandOverlayLayer.h"
+#include "WaylandShortcutsInhibitor.h"
 #include "logging/Logger.h"
 
 #include <QCloseEvent>
@@ -26,6 +27,11 @@ BreakWindowGuard::BreakWindowGuard(Host host, QObject* parent) : QObject(parent)
         // Only a focus the break had and lost is taken back: where the desktop never gave it
         // (focus-stealing prevention), asking again and again would only make the break flicker.
         if (!m_host.breakShown() || !m_hadFocus || isBreakWindow(QGuiApplication::focusWindow()))
+            return;
+        // While the compositor asks the person whether the break may hold its key bindings
+        // (GNOME), its question has the keyboard: taking it back would close the question with
+        // the window it is about. Looked at again once it is answered (checkFocus).
+        if (WaylandShortcutsInhibitor::awaitingAnswer())
             return;
         m_hadFocus = false;
         m_quietUntil.setRemainingTime(1000);
@@ -101,6 +107,11 @@ bool BreakWindowGuard::eventFilter(QObject* watched, QEvent* event)
         break;
     }
     return false;
+}
+
+void BreakWindowGuard::checkFocus()
+{
+    focusChanged(QGuiApplication::focusWindow());
 }
 
 void BreakWindowGuard::schedule(QQuickWindow* window, const QString& why)

@@ -38,6 +38,9 @@ public:
     void breakStarts();
     // Watches the window from now on (once; a window watched already is left as it is).
     void watch(QQuickWindow* window);
+    // Looks at the focus again: the compositor has answered its question (see the focus check),
+    // and the focus may have stayed elsewhere.
+    void checkFocus();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -92,6 +92,10 @@ bool inhibit(QWindow* window, std::function<void()> answeredThen)
         zwp_keyboard_shortcuts_inhibit_manager_v1_inhibit_shortcuts(wrapper, surface, seat);
     wl_proxy_wrapper_destroy(wrapper);
     zwp_keyboard_shortcuts_inhibitor_v1_add_listener(inhibitor, &listener, nullptr);
+    // Logged for the first window that asks (and again if every asking window went), so that a
+    // compositor that never answers shows as one.
+    if (inhibitors.isEmpty())
+        logger().info(QStringLiteral("the break asks the compositor to hold its key bindings back"));
     inhibitors.insert(window, inhibitor);
     unanswered.insert(inhibitor);
     whenAnswered = std::move(answeredThen);

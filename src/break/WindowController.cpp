@@ -391,9 +391,10 @@ void holdKeysWhileFocused(QWindow* focus)
         focus->property(keysAskedName).toBool() || WaylandShortcutsInhibitor::awaitingAnswer())
         return;
     // Asked again once the compositor answers: the window that has the keyboard then may not
-    // have been asked.
+    // have been asked, and the keyboard may not have come back from the compositor's question.
     focus->setProperty(keysAskedName, WaylandShortcutsInhibitor::inhibit(focus, [] {
                            holdKeysWhileFocused(QGuiApplication::focusWindow());
+                           guard().checkFocus();
                        }));
 }
 
